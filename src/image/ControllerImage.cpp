@@ -1,0 +1,50 @@
+#include "ControllerImage.h"
+
+ControllerImage::ControllerImage()
+{
+    applyFirmware(0);
+}
+
+void ControllerImage::clearLoadedFlags()
+{
+    PatternLoaded.fill(false);
+    PatternNameLoaded.fill(false);
+}
+
+int ControllerImage::upRowsFor(double v)
+{
+    if (v >= 2.2)
+        return 512;
+    if (v >= 2.09)
+        return 492;
+    if (v >= 1.81)
+        return 456;
+    return 392;
+}
+
+int ControllerImage::patternCountFor(double v)
+{
+    return v >= 2.2 ? 100 : 300;
+}
+
+void ControllerImage::applyFirmware(double version)
+{
+    m_firmware = version;
+    m_patternCount = patternCountFor(version);
+    sprdUP.setRowCount(upRowsFor(version));
+}
+
+void ControllerImage::rebuildSlotColumns(const QList<int> &machineNumbers)
+{
+    for (TextTable *t : {&sprdRRP, &sprdRCV}) {
+        t->resize(int(machineNumbers.size()), t->rowCount());
+        for (int i = 0; i < machineNumbers.size(); ++i)
+            t->setText(i + 1, 0, QString::number(machineNumbers[i]));
+    }
+}
+
+void ControllerImage::clearSlotColumns()
+{
+    sprdRRP.clearCells();
+    sprdRCV.clearCells();
+}

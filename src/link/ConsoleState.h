@@ -1,0 +1,126 @@
+#pragma once
+#include "ControllerImage.h"
+#include "TextTable.h"
+#include <QByteArray>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QTimer>
+#include <QVector>
+
+// One chamber controller on the line, by its place in the machine list.
+struct MachineSlot {
+    int MachineNumber = 0;
+    QString MachineName;
+    bool MachineOnline = false;
+    bool MachineRunning = false;
+    QString MachineRunMode; // "PROGRAM", "FIXRUN", or empty until the first reading
+};
+
+// The process-wide state of the console: port settings, machine list, the
+// scheduler's variables and mailbox, and the controller image. The application
+// owns exactly one; tests build their own.
+class ConsoleState : public QObject {
+    Q_OBJECT
+public:
+    explicit ConsoleState(QString home, QObject *parent = nullptr);
+
+    // The program's folder: settings files, logs and caches live here.
+    const QString home;
+    QString path(const QString &relative) const; // programPath(home, relative)
+
+    // Port settings, from CommPort.CFG.
+    int CommPortNo = 1;
+    QString CommBaud = QStringLiteral("115200");
+    QString CommParity = QStringLiteral("N");
+    QString CommDataBits = QStringLiteral("8");
+    QString CommStopBits = QStringLiteral("1");
+    QString CommProtocol = QStringLiteral("PC Link");
+    QString CommRTS = QStringLiteral("OFF");
+    bool CrcMode() const { return CommProtocol == QLatin1String("PC Link + crc"); }
+    bool Modbus() const { return CommProtocol == QLatin1String("Modbus RTU"); }
+    QString CommSettingsText() const; // "115200,N,8,1"
+    void setCommDefaults();
+
+    int CommWaitMs = 0;
+    QString SystemPassword = QStringLiteral("Nolk8264");
+    bool SystemLocked = false;   // operator's program lock (mHelpLock)
+    int PtnDataOption = -1;      // index of optPTN_Data; -1 when none is selected
+
+    // Machine list.
+    bool MultiMode = false;
+    QVector<MachineSlot> machines;
+    int MachineLast() const { return int(machines.size()) - 1; }
+    int CurrentMachine = 0;
+    int slotOfMachine(int machineNumber) const; // -1 if not in the list
+    void setMachines(const QVector<MachineSlot> &slots);
+
+    // The machine table shown on the main screen (row = slot + 1) and the link counters.
+    TextTable sprdStatus{QStringLiteral("sprdStatus"), 3, 0};
+    TextTable sprdCommState{QStringLiteral("sprdCommState"), 4, 0};
+    void countComm(int slot, int column); // adds 1 to a counter of sprdCommState
+
+    // Status bar texts, panels 1 to 6.
+    QString statusPanel(int panel) const;
+    void setStatusPanel(int panel, const QString &text);
+
+    ControllerImage image;
+
+    // The scheduler.
+    int CmdState = 10;
+    QByteArray CmdData;
+    int CmdIndex = 0;
+    int CmdIndexEnd = 0;
+    int PollSlot = 0;
+    int NextPollSlot = -1;
+    int ReqCmd = 0;
+    int ReqIndex = 0;
+    QByteArray ReqData{2, '\0'};
+    QByteArray WriteBlock;
+    int WriteBlockCount = 0;
+    int PatternNo = 1;
+    int SegmentNo = 1;
+    int SegmentCount = 0;
+    QString BulkFormName;
+    bool BulkWithPrograms = false; // the bulk screen's option to include the programs
+    bool RefreshAfterWrite = false;
+    bool RefreshOnOpen = false;
+    bool ParamPageOpen = false;
+    bool ParamChanged = false;
+    int RetryCount = 0;
+    int RxSettleMs = 0;
+    QString LastReplyCmd;
+
+    // The one-shot refresh timer of the open screen; the main screen's own when none.
+    QPointer<QTimer> ActiveRefreshTimer;
+    QPointer<QTimer> MainRefreshTimer;
+    void setActiveRefreshTimer(QTimer *t) { ActiveRefreshTimer = t ? t : MainRefreshTimer.data(); }
+    void startActiveRefresh();
+
+    // The one way for a screen to reach the link: a mailbox of one slot, the last writer wins.
+    void request_command(int code, int index = 0, const QByteArray &data = QByteArray(2, '\0'));
+    // request_command with a 16-bit word as the two payload bytes, high byte first.
+    void request_word(int code, int index, int word);
+
+    // Slot walks of the scan and the poll.
+    int next_slot(int slot) const;
+    int next_online_slot(int start) const;
+
+    // The firmware rule: the version in column 3 of a row of sprdStatus fixes
+    // the row count of sprdUP and the pattern count.
+    void applyFirmwareOfRow(int row);
+    double FirmwareVersion() const { return image.firmwareVersion(); }
+    int PatternCount() const { return image.patternCount(); }
+    int TempDecimals() const { return image.tempDecimals(); }
+
+    // A row of sprdUP as the link addresses it: the row itself in PC Link,
+    // 40100 + row under Modbus RTU in the current layout.
+    int WireAddress(int row) const;
+
+    // Copies of settings in force, so screens read what the link uses.
+signals:
+    void statusPanelChanged(int panel, const QString &text);
+
+private:
+    QString m_panels[7];
+};
