@@ -16,23 +16,19 @@ void TextTable::resize(int cols, int rows)
     rows = std::max(0, rows);
     if (cols == m_cols && rows == m_rows && !m_cells.isEmpty())
         return;
-    QVector<QString> cells((cols + 1) * (rows + 1));
-    QVector<int> colors;
-    if (!m_colors.isEmpty())
-        colors.fill(White, (cols + 1) * (rows + 1));
-    for (int r = 0; r <= std::min(rows, m_rows); ++r) {
-        for (int c = 0; c <= std::min(cols, m_cols); ++c) {
-            const int to = r * (cols + 1) + c;
-            if (m_cells.size() > index(c, r))
-                cells[to] = std::move(m_cells[index(c, r)]);
-            if (!m_colors.isEmpty())
-                colors[to] = m_colors[index(c, r)];
-        }
+    if (!m_colors.isEmpty()) {
+        QVector<int> colors(qsizetype(cols + 1) * (rows + 1), White);
+        for (int r = 0; r <= std::min(rows, m_rows); ++r)
+            for (int c = 0; c <= std::min(cols, m_cols); ++c)
+                colors[qsizetype(r) * (cols + 1) + c] = m_colors[index(c, r)];
+        m_colors = std::move(colors);
     }
+    m_cells.resize(rows + 1);
+    for (QVector<QString> &row : m_cells)
+        if (!row.isEmpty())
+            row.resize(cols + 1);
     m_cols = cols;
     m_rows = rows;
-    m_cells = std::move(cells);
-    m_colors = std::move(colors);
     ++m_revision;
 }
 
@@ -40,7 +36,8 @@ QString TextTable::text(int col, int row) const
 {
     if (!inside(col, row))
         return {};
-    return m_cells[index(col, row)];
+    const QVector<QString> &r = m_cells[row];
+    return r.isEmpty() ? QString() : r[col];
 }
 
 void TextTable::setText(int col, int row, const QString &text)
@@ -49,7 +46,13 @@ void TextTable::setText(int col, int row, const QString &text)
         throw std::out_of_range(QStringLiteral("%1: cell (%2, %3) outside %4 x %5")
                                     .arg(m_name).arg(col).arg(row).arg(m_cols).arg(m_rows)
                                     .toStdString());
-    QString &cell = m_cells[index(col, row)];
+    QVector<QString> &r = m_cells[row];
+    if (r.isEmpty()) {
+        if (text.isEmpty())
+            return;
+        r.resize(m_cols + 1);
+    }
+    QString &cell = r[col];
     if (cell != text) {
         cell = text;
         ++m_revision;
@@ -88,7 +91,7 @@ void TextTable::setColor(int col, int row, int color)
     if (m_colors.isEmpty()) {
         if (color == White)
             return;
-        m_colors.fill(White, m_cells.size());
+        m_colors.fill(White, qsizetype(m_cols + 1) * (m_rows + 1));
     }
     if (m_colors[index(col, row)] != color) {
         m_colors[index(col, row)] = color;
@@ -98,17 +101,25 @@ void TextTable::setColor(int col, int row, int color)
 
 void TextTable::clear()
 {
-    for (QString &s : m_cells)
-        s.clear();
+    for (QVector<QString> &row : m_cells)
+        row.clear();
     m_colors.clear();
     ++m_revision;
 }
 
 void TextTable::clearCells()
 {
-    for (int r = 1; r <= m_rows; ++r)
-        for (int c = 1; c <= m_cols; ++c)
-            m_cells[index(c, r)].clear();
+    for (int r = 1; r <= m_rows; ++r) {
+        QVector<QString> &row = m_cells[r];
+        if (row.isEmpty())
+            continue;
+        const QString heading = row[0];
+        row.clear();
+        if (!heading.isEmpty()) {
+            row.resize(m_cols + 1);
+            row[0] = heading;
+        }
+    }
     ++m_revision;
 }
 
@@ -117,7 +128,8 @@ void TextTable::clearColumn(int col)
     if (col < 0 || col > m_cols)
         return;
     for (int r = 1; r <= m_rows; ++r)
-        m_cells[index(col, r)].clear();
+        if (!m_cells[r].isEmpty())
+            m_cells[r][col].clear();
     ++m_revision;
 }
 
@@ -169,8 +181,10 @@ QByteArray TextTable::save() const
     QString out = QStringLiteral("QM730-TABLE 1\n%1 %2\n").arg(m_cols).arg(m_rows);
     int count = 0;
     for (int r = 0; r <= m_rows; ++r) {
+        if (m_cells[r].isEmpty())
+            continue;
         for (int c = 0; c <= m_cols; ++c) {
-            const QString &cell = m_cells[index(c, r)];
+            const QString &cell = m_cells[r][c];
             if (cell.isEmpty())
                 continue;
             out += QString::number(c) + u' ' + QString::number(r) + u' ' + escapeCell(cell) + u'\n';
@@ -196,7 +210,7 @@ bool TextTable::load(const QByteArray &image)
     if (!ok1 || !ok2 || cols < 0 || rows < 0 || cols > 100000 || rows > 100000
         || qint64(cols + 1) * (rows + 1) > 20'000'000)
         return false;
-    QVector<QString> cells((cols + 1) * (rows + 1));
+    QVector<QVector<QString>> cells(rows + 1);
     int count = 0;
     bool ended = false;
     for (int i = 2; i < lines.size(); ++i) {
@@ -218,7 +232,9 @@ bool TextTable::load(const QByteArray &image)
         QString cell;
         if (!unescapeCell(QStringView(line).mid(s2 + 1), &cell))
             return false;
-        cells[r * (cols + 1) + c] = cell;
+        if (cells[r].isEmpty())
+            cells[r].resize(cols + 1);
+        cells[r][c] = cell;
         ++count;
     }
     if (!ended)
@@ -228,5 +244,24 @@ bool TextTable::load(const QByteArray &image)
     m_cells = std::move(cells);
     m_colors.clear();
     ++m_revision;
+    return true;
+}
+
+bool TextTable::imageShape(const QByteArray &image, int *cols, int *rows)
+{
+    // Only the two heading lines are looked at; load() still checks the rest.
+    const qsizetype first = image.indexOf('\n');
+    const qsizetype second = first < 0 ? -1 : image.indexOf('\n', first + 1);
+    if (second < 0 || image.left(first) != "QM730-TABLE 1")
+        return false;
+    const QList<QByteArray> dims = image.mid(first + 1, second - first - 1).split(' ');
+    if (dims.size() != 2)
+        return false;
+    bool ok1 = false, ok2 = false;
+    const int c = dims[0].toInt(&ok1), r = dims[1].toInt(&ok2);
+    if (!ok1 || !ok2 || c < 0 || r < 0)
+        return false;
+    *cols = c;
+    *rows = r;
     return true;
 }

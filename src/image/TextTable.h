@@ -53,6 +53,9 @@ public:
     // Whole-table image: dimensions and every cell's text, for cache and settings files.
     QByteArray save() const;
     bool load(const QByteArray &image);
+    // The dimensions a saved image declares, without loading it; false when
+    // the image does not begin like one.
+    static bool imageShape(const QByteArray &image, int *cols, int *rows);
 
 private:
     int index(int col, int row) const { return row * (m_cols + 1) + col; }
@@ -61,7 +64,9 @@ private:
     QString m_name;
     int m_cols = 0;
     int m_rows = 0;
-    QVector<QString> m_cells;
+    // One vector per row, allocated on the first write into the row: the big
+    // program tables are mostly empty.
+    QVector<QVector<QString>> m_cells;
     QVector<int> m_colors; // allocated on first colour other than white
     quint64 m_revision = 0;
 };
