@@ -21,6 +21,8 @@ public:
     virtual void write(const QByteArray &bytes) = 0;
     virtual QByteArray readAll() = 0;
     virtual qint64 bytesAvailable() const = 0;
+    // The first n waiting bytes, left waiting.
+    virtual QByteArray peek(qint64 n) const = 0;
     virtual void clearInput() = 0;
     virtual void setRts(bool on) = 0;
     // The device has gone (adapter pulled, far end closed) while open: it reads
@@ -31,12 +33,16 @@ public:
     int receiveThreshold() const { return m_threshold; }
 
 signals:
+    // At least the threshold's worth of bytes is waiting.
     void dataReceived();
+    // Bytes arrived, however few (raised before dataReceived).
+    void bytesWaiting();
 
 protected:
     // Implementations call this whenever bytes have arrived.
     void bytesArrived()
     {
+        emit bytesWaiting();
         if (m_threshold > 0 && bytesAvailable() >= m_threshold)
             emit dataReceived();
     }

@@ -112,7 +112,7 @@ int ConsoleState::next_online_slot(int start) const
     if (start > MachineLast())
         from = 1;
     for (int row = std::max(from, 1); row <= rows; ++row)
-        if (sprdStatus.text(2, row) == QLatin1String("良好"))
+        if (sprdStatus.text(2, row) == QStringLiteral("良好"))
             return row - 1;
     return 0;
 }

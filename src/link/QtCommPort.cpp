@@ -73,6 +73,11 @@ qint64 QtCommPort::bytesAvailable() const
     return m_port.isOpen() ? m_port.bytesAvailable() : 0;
 }
 
+QByteArray QtCommPort::peek(qint64 n) const
+{
+    return m_port.isOpen() ? const_cast<QSerialPort &>(m_port).peek(n) : QByteArray();
+}
+
 void QtCommPort::clearInput()
 {
     if (!m_port.isOpen())

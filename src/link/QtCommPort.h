@@ -13,6 +13,7 @@ public:
     void write(const QByteArray &bytes) override;
     QByteArray readAll() override;
     qint64 bytesAvailable() const override;
+    QByteArray peek(qint64 n) const override;
     void clearInput() override;
     void setRts(bool on) override;
     bool vanished() const override { return m_vanished; }

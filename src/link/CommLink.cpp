@@ -1,0 +1,409 @@
+#include "CommLink.h"
+#include "Files.h"
+#include "FrameBytes.h"
+#include "ProgramImage.h"
+#include "StatusListener.h"
+#include "mdlModbusRTU.h"
+#include "mdlQM730_Protocol.h"
+
+CommLink::CommLink(ConsoleState &state, CommPort &port, QObject *parent)
+    : QObject(parent), m_st(state), m_port(port)
+{
+    // tmrSend ticks every 50 ms while enabled; a tick that sends disables it.
+    tmrSend.setInterval(50);
+    tmrRecvErr.setInterval(500);
+    m_settleTimer.setSingleShot(true);
+    m_writeWaitTimer.setSingleShot(true);
+    m_writeWaitTimer.setInterval(WriteSettleMs);
+    connect(&tmrSend, &QTimer::timeout, this, &CommLink::tmrSend_Timer);
+    connect(&tmrRecvErr, &QTimer::timeout, this, &CommLink::tmrRecvErr_Timer);
+    connect(&m_settleTimer, &QTimer::timeout, this, [this] {
+        m_settling = false;
+        takeBytes();
+    });
+    connect(&m_writeWaitTimer, &QTimer::timeout, this, &CommLink::finishWriteWait);
+    connect(&m_port, &CommPort::dataReceived, this, &CommLink::onDataReceived);
+    connect(&m_port, &CommPort::bytesWaiting, this, &CommLink::onBytesWaiting);
+}
+
+// ---------------------------------------------------------------- port
+
+bool CommLink::CommPort_Open()
+{
+    const QString device = mapPortDevice(m_st.home, m_st.CommPortNo);
+    m_lastOpenResult = m_port.open(device, m_st.CommSettingsText());
+    if (m_lastOpenResult != CommPort::OpenResult::Ok) {
+        static const char *const why[] = {"", "Device not found", "Port in use", "Permission denied", "Open failed"};
+        m_lastOpenError = QStringLiteral("%1: %2").arg(device, QLatin1String(why[int(m_lastOpenResult)]));
+        WriteErrorLog(m_st.home, 8002, m_lastOpenError, QStringLiteral("CommPort_Open"));
+        return false;
+    }
+    m_lastOpenError.clear();
+    return true;
+}
+
+bool CommLink::CommPort_Close()
+{
+    if (m_port.isOpen())
+        m_port.close();
+    return true;
+}
+
+bool CommLink::openLink()
+{
+    if (!CommPort_Open())
+        return false;
+    m_port.clearInput();
+    m_st.setStatusPanel(3, QStringLiteral("OPEN"));
+    emit portStateChanged(true);
+    m_buf.clear();
+    emit scanMessageVisible(true);
+    for (int row = 1; row <= m_st.sprdStatus.rowCount(); ++row)
+        m_st.sprdStatus.setColor(2, row, TextTable::White);
+    emit machineTableChanged();
+    m_st.CurrentMachine = 0;
+    m_st.NextPollSlot = -1;
+    m_st.PollSlot = 0;
+    m_st.CmdState = 10;
+    m_st.RefreshOnOpen = true;
+    emit linkEvent(QStringLiteral("port COM%1 open (%2, %3): scanning %4 machine(s)")
+                       .arg(m_st.CommPortNo)
+                       .arg(m_st.CommSettingsText(), m_st.CommProtocol)
+                       .arg(m_st.machines.size()));
+    tmrSend.start();
+    return true;
+}
+
+bool CommLink::closeLink()
+{
+    if (!CommPort_Close())
+        return false;
+    // Neither timer stops: tmrSend finds the port closed, a running time-out fires once.
+    m_settleTimer.stop();
+    m_settling = false;
+    m_st.setStatusPanel(3, QStringLiteral("CLOSE"));
+    m_st.setStatusPanel(4, QString());
+    emit portStateChanged(false);
+    emit scanMessageVisible(false);
+    for (int row = 1; row <= m_st.sprdStatus.rowCount(); ++row)
+        m_st.sprdStatus.setColor(2, row, TextTable::White);
+    emit machineTableChanged();
+    emit linkEvent(QStringLiteral("port closed"));
+    return true;
+}
+
+int CommLink::baudTimeoutExtra(const QString &baud)
+{
+    static const struct { const char *baud; int extra; } table[] = {
+        {"115200", 500}, {"57600", 600}, {"38400", 700}, {"19200", 800},
+        {"9600", 1200},  {"4800", 1000}, {"2400", 1100}, {"1200", 1200},
+    };
+    for (const auto &e : table)
+        if (baud == QLatin1String(e.baud))
+            return e.extra;
+    return -1;
+}
+
+int CommLink::whoSettleMs(const QString &baud)
+{
+    static const struct { const char *baud; int ms; } table[] = {
+        {"115200", 100}, {"57600", 120}, {"38400", 140}, {"19200", 160},
+        {"9600", 200},   {"4800", 300},  {"2400", 400},  {"1200", 500},
+    };
+    for (const auto &e : table)
+        if (baud == QLatin1String(e.baud))
+            return e.ms;
+    return 100;
+}
+
+void CommLink::setReplyTimeoutFromBaud()
+{
+    const int extra = baudTimeoutExtra(m_st.CommBaud);
+    // An unknown baud keeps the initial 500 ms, without the extra wait.
+    tmrRecvErr.setInterval(extra < 0 ? 500 : std::max(1, m_st.CommWaitMs + extra));
+}
+
+// ---------------------------------------------------------------- walks and menus
+
+bool CommLink::update_menus()
+{
+    QList<int> numbers;
+    bool any = false;
+    for (const MachineSlot &m : m_st.machines) {
+        numbers << m.MachineNumber;
+        any = any || m.MachineOnline;
+    }
+    m_st.image.rebuildSlotColumns(numbers);
+    emit menusUpdated(any);
+    return any;
+}
+
+int CommLink::slotMachine(int slot) const
+{
+    return slot >= 0 && slot < m_st.machines.size() ? m_st.machines[slot].MachineNumber : 0;
+}
+
+// ---------------------------------------------------------------- sending
+
+void CommLink::comm_log_add(const QString &label, const QByteArray &bytes)
+{
+    emit frameLogged(label, bytes);
+}
+
+void CommLink::comm_file_log(const QByteArray &bytes)
+{
+    if (!m_commFileLog)
+        return;
+    QByteArray line = nowStamp().toLatin1() + ',';
+    line.reserve(line.size() + bytes.size() * 4 + 2);
+    for (char c : bytes) {
+        const int v = quint8(c);
+        if (v < 10)
+            line += '0';
+        line += QByteArray::number(v);
+        line += ',';
+    }
+    line += "\r\n";
+    appendToFile(m_st.path(QStringLiteral("\\CommData.Mon")), line);
+}
+
+void CommLink::set_rts(bool on)
+{
+    if (m_st.CommRTS != QLatin1String("ON"))
+        return;
+    if (!on)
+        m_port.write(QByteArray(1, '\0'));
+    m_port.setRts(on);
+}
+
+void CommLink::writeFrame(const QByteArray &built)
+{
+    if (built.isEmpty())
+        return; // WTD with index 0: nothing at all
+    const QByteArray frame = m_st.CrcMode() ? pclink::with_checksum(built) : built;
+    comm_file_log(frame);
+    comm_log_add(QStringLiteral("傳送"), frame);
+    m_port.setReceiveThreshold(1);
+    if (m_port.isOpen()) {
+        set_rts(true);
+        m_port.write(frame);
+        set_rts(false);
+        tmrRecvErr.start();
+        m_sentSomething = true;
+    }
+}
+
+void CommLink::writeModbus(const QByteArray &frame, int expectedReply)
+{
+    comm_log_add(QStringLiteral("傳送"), frame);
+    m_expectedModbusLength = expectedReply;
+    m_port.setReceiveThreshold(expectedReply);
+    if (m_port.isOpen()) {
+        tmrRecvErr.start();
+        m_port.clearInput();
+        set_rts(true);
+        m_port.write(frame);
+        set_rts(false);
+        m_sentSomething = true;
+    }
+}
+
+void CommLink::send_who(int m) { m_lastMachine = m; writeFrame(pclink::frame_who(m)); }
+void CommLink::send_rcv(int m) { m_lastMachine = m; writeFrame(pclink::frame_rcv(m)); }
+void CommLink::send_rcs(int m) { m_lastMachine = m; writeFrame(pclink::frame_rcs(m)); }
+void CommLink::send_rrp(int m, int i) { m_lastMachine = m; writeFrame(pclink::frame_rrp(m, i)); }
+void CommLink::send_rup(int m, int i) { m_lastMachine = m; writeFrame(pclink::frame_rup(m, i)); }
+void CommLink::send_rtd(int m, int i) { m_lastMachine = m; writeFrame(pclink::frame_rtd(m, i)); }
+void CommLink::send_rpd(int m, int p, int i) { m_lastMachine = m; writeFrame(pclink::frame_rpd(m, p, i)); }
+void CommLink::send_rsd(int m, int p, int s, int i) { m_lastMachine = m; writeFrame(pclink::frame_rsd(m, p, s, i)); }
+void CommLink::send_wrp(int m, int i, const QByteArray &d) { m_lastMachine = m; writeFrame(pclink::frame_wrp(m, i, d)); }
+void CommLink::send_wup(int m, int i, const QByteArray &d, double fw)
+{
+    m_lastMachine = m;
+    writeFrame(pclink::frame_wup(m, i, d, fw));
+}
+void CommLink::send_wtd(int m, int i, const QByteArray &d) { m_lastMachine = m; writeFrame(pclink::frame_wtd(m, i, d)); }
+void CommLink::send_wpd(int m, int p, int i, const QByteArray &d) { m_lastMachine = m; writeFrame(pclink::frame_wpd(m, p, i, d)); }
+void CommLink::send_wsd(int m, int p, int s, int i, const QByteArray &d)
+{
+    m_lastMachine = m;
+    writeFrame(pclink::frame_wsd(m, p, s, i, d));
+}
+
+// ---------------------------------------------------------------- the tick
+
+void CommLink::tmrSend_Timer()
+{
+    if (!m_port.isOpen())
+        return; // the timer stays enabled
+    tmrSend.stop();
+    emit frameSent();
+    if (m_st.ReqCmd > 0) {
+        m_st.CmdState = m_st.ReqCmd;
+        m_st.CmdData = m_st.ReqData;
+        m_st.CmdIndex = m_st.ReqIndex;
+        m_st.ReqCmd = 0;
+        m_st.ReqIndex = 0;
+    }
+    if (m_st.NextPollSlot >= 0) {
+        m_st.PollSlot = m_st.NextPollSlot;
+        m_st.NextPollSlot = -1;
+    }
+    if (m_st.machines.isEmpty()) {
+        tmrSend.start(); // no machine to talk to; keep reading the mailbox
+        return;
+    }
+    if (m_st.PollSlot < 0 || m_st.PollSlot > m_st.MachineLast())
+        m_st.PollSlot = 0;
+    const int p = slotMachine(m_st.PollSlot);
+    const int f = m_st.CurrentMachine;
+    m_sentSomething = false;
+    if (m_st.Modbus())
+        sendModbusState(p, f);
+    else
+        sendPcLinkState(p, f);
+    idleIfNothingSent();
+}
+
+// A state that puts nothing on the wire (WTD of row 0, the screen capture on
+// Modbus, a state no table knows) would leave the link without a timer. The
+// tick is re-armed instead, so the mailbox is still read and a later request
+// (a stop button, a new page) takes the link on.
+void CommLink::idleIfNothingSent()
+{
+    if (!m_sentSomething && m_port.isOpen())
+        tmrSend.start();
+}
+
+using framebytes::wordBytes;
+
+void CommLink::sendPcLinkState(int P, int F)
+{
+    ConsoleState &s = m_st;
+    ControllerImage &img = s.image;
+    const int st = s.CmdState;
+    auto tdRow = [&](int row) { return tdTextToBytes(img.sprdTD.text(1, row), 29); };
+    auto patternRow = [&](int p) {
+        QByteArray d;
+        for (int w = 1; w <= ControllerImage::PatternWords; ++w)
+            d += wordBytes(img.sprdPD.number(w, p));
+        return d;
+    };
+    auto segmentWords = [&](int p, int seg) {
+        QByteArray d;
+        for (int w = 1; w <= ControllerImage::SegmentWords; ++w)
+            d += wordBytes(img.sprdSD.number((seg - 1) * ControllerImage::SegmentWords + w, p));
+        return d;
+    };
+    auto upBlock = [&] {
+        QByteArray d;
+        for (int r = 1; r <= img.sprdUP.rowCount(); ++r)
+            d += wordBytes(img.sprdUP.number(1, r));
+        return d;
+    };
+
+    switch (st) {
+    case 1: s.RxSettleMs = 50; send_rrp(P, 0); break;
+    case 2: s.RxSettleMs = 50; send_rcv(P); break;
+    case 3: s.RxSettleMs = 100; send_rup(F, 0); break;
+    case 4: s.RxSettleMs = 50; send_rtd(F, s.CmdIndex); break;
+    case 10: s.RxSettleMs = whoSettleMs(s.CommBaud); send_who(P); break;
+    case 11: s.RxSettleMs = 0; send_rcs(F); break;
+    case 51: s.RxSettleMs = 100; send_rup(F, 0); break;
+    case 52: s.RxSettleMs = 50; send_rtd(F, s.CmdIndex); break;
+    case 53: case 61: s.RxSettleMs = 50; send_rpd(F, s.PatternNo, 0); break;
+    case 54: case 62: case 94: s.RxSettleMs = 50; send_rsd(F, s.PatternNo, s.SegmentNo, 0); break;
+    case 91: s.RxSettleMs = 50; send_rpd(F, s.PatternNo, s.CmdIndex); break;
+    case 92: s.RxSettleMs = 50; send_rsd(F, s.PatternNo, s.SegmentNo, s.CmdIndex); break;
+    case 93: s.RxSettleMs = 50; send_rpd(F, s.PatternNo, 1); break;
+    case 101: s.RxSettleMs = 50; send_wrp(F, s.CmdIndex, s.CmdData); break;
+    case 102: s.RxSettleMs = 100; send_wup(F, s.CmdIndex, s.CmdData, s.FirmwareVersion()); break;
+    case 103: case 152: s.RxSettleMs = 100; send_wtd(F, s.CmdIndex, tdRow(s.CmdIndex)); break;
+    case 104:
+        s.RxSettleMs = 100;
+        send_wup(F, s.CmdIndex, wordBytes(img.sprdUP_DT.number(1, s.CmdIndex)), s.FirmwareVersion());
+        break;
+    case 150:
+        s.RxSettleMs = 100;
+        send_wup(F, s.CmdIndex, s.CmdIndex == 0 ? upBlock() : wordBytes(img.sprdUP.number(1, s.CmdIndex)),
+                 s.FirmwareVersion());
+        break;
+    case 151: s.RxSettleMs = 100; send_wup(F, 0, upBlock(), s.FirmwareVersion()); break;
+    case 153: case 205: case 211: s.RxSettleMs = 100; send_wpd(F, s.PatternNo, 0, patternRow(s.PatternNo)); break;
+    case 154: case 204: case 212:
+        s.RxSettleMs = 100;
+        send_wsd(F, s.PatternNo, s.SegmentNo, 0, segmentWords(s.PatternNo, s.SegmentNo));
+        break;
+    case 201: case 203: s.RxSettleMs = 100; send_wpd(F, s.PatternNo, s.CmdIndex, s.CmdData); break;
+    case 202: s.RxSettleMs = 100; send_wsd(F, s.PatternNo, s.SegmentNo, s.CmdIndex, s.CmdData); break;
+    case 311: s.RxSettleMs = 100; send_wup(P, 1, s.CmdData, s.FirmwareVersion()); break;
+    case 312: case 313: case 314: case 315: case 316:
+        s.RxSettleMs = 100; send_wrp(P, st - 311, s.CmdData); break;
+    case 321: s.RxSettleMs = 100; send_wrp(P, 8, s.CmdData); break;
+    case 322: s.RxSettleMs = 100; send_wrp(P, 9, s.CmdData); break;
+    case 323: s.RxSettleMs = 100; send_wrp(P, 6, s.CmdData); break;
+    case 324: s.RxSettleMs = 100; send_wrp(P, 7, s.CmdData); break;
+    case 325: s.RxSettleMs = 100; send_wrp(P, 12, s.CmdData); break;
+    case 326: s.RxSettleMs = 100; send_wrp(P, 10, s.CmdData); break;
+    case 327: s.RxSettleMs = 100; send_wrp(P, 13, s.CmdData); break;
+    case 328: s.RxSettleMs = 100; send_wrp(P, 11, s.CmdData); break;
+    case 400:
+        s.RxSettleMs = 100;
+        send_wup(F, s.CmdIndex, wordBytes(img.sprdUP.number(1, s.CmdIndex)), s.FirmwareVersion());
+        break;
+    default:
+        break; // no frame for this state
+    }
+}
+
+// ---------------------------------------------------------------- the time-out
+
+void CommLink::tmrRecvErr_Timer()
+{
+    guarded("tmrRecvErr_Timer", [&] {
+        tmrRecvErr.stop();
+        ConsoleState &s = m_st;
+        s.countComm(s.PollSlot, 3);
+        s.RetryCount += 1;
+        if (s.RetryCount > 2) {
+            s.RetryCount = 0;
+            const int slot = s.PollSlot;
+            if (s.CmdState != 10) {
+                if (slot >= 0 && slot < s.machines.size())
+                    s.machines[slot].MachineOnline = false;
+                s.NextPollSlot = s.next_online_slot(slot + 1);
+                emit linkEvent(QStringLiteral("machine %1: no reply in state %2").arg(slotMachine(slot)).arg(s.CmdState));
+            } else {
+                const int machine = slotMachine(slot);
+                s.setStatusPanel(4, QStringLiteral("機號 [") + QString::number(machine) + QStringLiteral("] ==> 通訊不良 "));
+                if (slot + 1 <= s.sprdStatus.rowCount()) {
+                    s.sprdStatus.setText(2, slot + 1, QStringLiteral("不良"));
+                    s.sprdStatus.setColor(2, slot + 1, TextTable::Black);
+                }
+                if (slot >= 0 && slot < s.machines.size())
+                    s.machines[slot].MachineOnline = false;
+                emit machineTableChanged();
+                emit linkEvent(QStringLiteral("machine %1: 不良").arg(machine));
+                const int next = s.next_slot(slot);
+                s.NextPollSlot = next;
+                if (next != 0) {
+                    s.ReqCmd = 10;
+                } else {
+                    emit scanMessageVisible(false);
+                    const bool any = update_menus();
+                    s.setStatusPanel(4, QString());
+                    s.PollSlot = 0;
+                    if (any) {
+                        s.ReqCmd = 3;
+                        s.NextPollSlot = s.next_online_slot(0);
+                        s.applyFirmwareOfRow(s.NextPollSlot + 1);
+                        emit linkEvent(QStringLiteral("scan done: polling"));
+                    } else {
+                        emit linkEvent(QStringLiteral("scan done: no machine answered; scanning again"));
+                    }
+                }
+            }
+        }
+    });
+    tmrSend.start();
+}

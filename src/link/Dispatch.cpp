@@ -1,0 +1,611 @@
+// What each state does with a good reply: store it, then choose the next state.
+#include "CommLink.h"
+#include "FrameBytes.h"
+#include "LiveStatus.h"
+#include "ProgramImage.h"
+#include "ScreenBitmap.h"
+#include "StatusListener.h"
+#include "mdlQM730_Protocol.h"
+
+using namespace framebytes;
+
+namespace {
+const QString kRecvForm = QStringLiteral("frmQM730_P_Recv");
+const QString kPtnForm = QStringLiteral("frmQM730_PTN_Recv");
+const QString kSendForm = QStringLiteral("frmQM730_P_Send");
+
+} // namespace
+
+// ---------------------------------------------------------------- store routines
+
+void CommLink::Disp_RRP(int slot, const QByteArray &f, int offset, int firstRow, int words)
+{
+    guarded("Disp_RRP", [&] {
+        ConsoleState &s = m_st;
+        if (slot < 0 || slot >= s.machines.size())
+            throw std::out_of_range("no such slot");
+        const int col = slot + 1;
+        for (int i = 0; i < words; ++i)
+            s.image.sprdRRP.setNumber(col, firstRow + i, wordAt(f, offset + 2 * i));
+        MachineSlot &m = s.machines[slot];
+        const bool running = s.image.sprdRRP.number(col, 1) > 0;
+        const bool was = m.MachineRunning;
+        m.MachineRunning = running;
+        if (m_listener)
+            m_listener->runStateStored(slot, was, running);
+        if (m.MachineNumber == s.CurrentMachine) {
+            s.image.setTempDecimals(int(s.image.sprdRRP.number(col, 15)));
+            s.ParamChanged = s.image.sprdRRP.number(col, 14) > 0;
+        }
+    });
+}
+
+void CommLink::Disp_RCV(int slot, const RcvWords &rows)
+{
+    guarded("Disp_RCV", [&] {
+        ConsoleState &s = m_st;
+        if (slot < 0 || slot >= s.machines.size())
+            throw std::out_of_range("no such slot");
+        const int col = slot + 1;
+        if (m_listener)
+            m_listener->statusStepBegin(slot);
+        for (int row = 1; row <= ControllerImage::RcvRows; ++row) {
+            const int v = rows[row - 1];
+            if (m_listener)
+                m_listener->statusWord(slot, row, s.image.sprdRCV.text(col, row), v);
+            s.image.sprdRCV.setNumber(col, row, v);
+            if (row == 13)
+                s.machines[slot].MachineRunMode = v == 0 ? QStringLiteral("PROGRAM") : QStringLiteral("FIXRUN");
+        }
+        if (m_listener)
+            m_listener->statusStepEnd(slot);
+    });
+}
+
+void CommLink::Disp_RUP(const QByteArray &f, int offset, int firstRow, int words)
+{
+    guarded("Disp_RUP", [&] {
+        TextTable &up = m_st.image.sprdUP;
+        // A block piece may reach past the rows this firmware has; those words are not kept.
+        const int last = std::min(firstRow + words - 1, up.rowCount());
+        for (int row = firstRow; row <= last; ++row)
+            up.setNumber(1, row, wordAt(f, offset + 2 * (row - firstRow)));
+    });
+}
+
+void CommLink::Disp_RUP_PLUS(const QByteArray &f, int offset)
+{
+    guarded("Disp_RUP", [&] {
+        m_st.image.sprdUP_PLUS.setNumber(1, 88, wordAt(f, offset));
+        m_st.image.sprdUP_PLUS.setNumber(1, 89, wordAt(f, offset + 2));
+    });
+}
+
+void CommLink::Disp_RTD(int row, const QByteArray &bytes)
+{
+    guarded("Disp_RTD", [&] {
+        QByteArray b = bytes;
+        const qsizetype zero = b.indexOf('\0');
+        if (zero >= 0)
+            b.truncate(zero);
+        m_st.image.sprdTD.setText(1, row, fromAnsi(b));
+    });
+}
+
+void CommLink::Disp_RPD(int pattern, const QByteArray &f, int offset, int firstWord, int words, const char *place)
+{
+    guarded(place, [&] {
+        for (int i = 0; i < words; ++i)
+            m_st.image.sprdPD.setNumber(firstWord + i, pattern, wordAt(f, offset + 2 * i));
+    });
+}
+
+void CommLink::Disp_RSD(int pattern, int segment, const QByteArray &f, int offset, int firstWord, int words,
+                        const char *place)
+{
+    guarded(place, [&] {
+        if (segment < 1 || segment > ControllerImage::MaxSegments || firstWord < 1
+            || firstWord + words - 1 > ControllerImage::SegmentWords)
+            throw std::out_of_range("segment word outside the segment");
+        const int base = (segment - 1) * ControllerImage::SegmentWords;
+        for (int i = 0; i < words; ++i)
+            m_st.image.sprdSD.setNumber(base + firstWord + i, pattern, wordAt(f, offset + 2 * i));
+    });
+}
+
+void CommLink::saveScreen(const QByteArray &f)
+{
+    const QByteArray pixels = f.mid(11, screenbitmap::PixelBytes);
+    screenbitmap::writeBitmap(m_st.path(QStringLiteral("\\DispScr.BMP")), pixels);
+    emit screenCaptured();
+}
+
+// ---------------------------------------------------------------- shared steps
+
+void CommLink::moveToNextOnlineSlot()
+{
+    m_st.PollSlot = m_st.next_online_slot(m_st.PollSlot + 1);
+}
+
+void CommLink::refreshIfFlagged()
+{
+    if (m_st.RefreshAfterWrite || m_st.RefreshOnOpen) {
+        m_st.startActiveRefresh();
+        m_st.RefreshAfterWrite = false;
+        m_st.RefreshOnOpen = false;
+    }
+}
+
+// A slot answered the scan: PC Link's WHO or Modbus's identity.
+void CommLink::scanAnswered(int slot, const QString &firmwareText, bool modbusText)
+{
+    ConsoleState &s = m_st;
+    const int machine = slotMachine(slot);
+    if (s.CurrentMachine == 0) {
+        s.CurrentMachine = machine;
+        emit currentMachineShown(machine);
+    }
+    s.setStatusPanel(4, QStringLiteral("機號 [") + QString::number(machine)
+                            + (modbusText ? QStringLiteral("] QM730 連接") : QStringLiteral("] QM730 連接.")));
+    if (slot + 1 <= s.sprdStatus.rowCount()) {
+        s.sprdStatus.setText(2, slot + 1, QStringLiteral("良好"));
+        s.sprdStatus.setColor(2, slot + 1, TextTable::Green);
+        if (!firmwareText.isNull())
+            s.sprdStatus.setText(3, slot + 1, firmwareText);
+    }
+    if (slot >= 0 && slot < s.machines.size())
+        s.machines[slot].MachineOnline = true;
+    emit machineTableChanged();
+    emit linkEvent(QStringLiteral("machine %1: 良好, F/W %2").arg(machine).arg(s.sprdStatus.text(3, slot + 1)));
+    const int next = s.next_slot(s.PollSlot);
+    s.NextPollSlot = next;
+    if (next != 0) {
+        s.ReqCmd = 10;
+        tmrSend.start();
+        return;
+    }
+    scanEnd();
+}
+
+void CommLink::scanEnd()
+{
+    ConsoleState &s = m_st;
+    emit currentMachineShown(s.CurrentMachine);
+    const int fgSlot = s.slotOfMachine(s.CurrentMachine);
+    if (fgSlot >= 0)
+        s.applyFirmwareOfRow(fgSlot + 1);
+    emit scanMessageVisible(false);
+    const bool any = update_menus();
+    if (!any) {
+        s.PollSlot = 0;
+        emit linkEvent(QStringLiteral("scan done: no machine answered; scanning again"));
+        return;
+    }
+    moveToNextOnlineSlot();
+    s.CmdState = 1;
+    emit linkEvent(QStringLiteral("scan done: polling, foreground machine %1, F/W %2, %3 UP rows")
+                       .arg(s.CurrentMachine)
+                       .arg(s.FirmwareVersion())
+                       .arg(s.image.sprdUP.rowCount()));
+}
+
+// The next pattern of a bulk receive, or its end.
+void CommLink::bulkNextPattern()
+{
+    ConsoleState &s = m_st;
+    if (s.BulkFormName == kPtnForm) {
+        const int p = NextUnloadedRow(s.image, QStringLiteral("RPD"), s.PatternNo + 1);
+        if (p > 0) {
+            s.PatternNo = p;
+            s.CmdState = 53;
+            return;
+        }
+    } else if (s.PatternNo + 1 <= s.PatternCount()) {
+        s.PatternNo += 1;
+        s.CmdState = 53;
+        return;
+    }
+    bulkEndReceive();
+}
+
+void CommLink::bulkEndReceive()
+{
+    ConsoleState &s = m_st;
+    emit bulkStatus(s.BulkFormName, QStringLiteral("接收完了"));
+    emit bulkFinished(s.BulkFormName);
+    SaveProgramCache(s.image, s.home, s.CurrentMachine);
+    s.CmdState = 1;
+}
+
+void CommLink::sendChainNextPattern()
+{
+    ConsoleState &s = m_st;
+    s.PatternNo += 1;
+    if (s.PatternNo <= s.PatternCount()) {
+        s.CmdState = 153;
+        return;
+    }
+    emit bulkStatus(s.BulkFormName, QStringLiteral("傳送完了"));
+    emit bulkFinished(s.BulkFormName);
+    s.CmdState = 1;
+}
+
+// The program chains after their reply is stored or acknowledged: the same in
+// both protocols.
+void CommLink::programChainStep()
+{
+    ConsoleState &s = m_st;
+    ControllerImage &img = s.image;
+    auto clampSegments = [](qint64 n) { return int(std::clamp<qint64>(n, 0, ControllerImage::MaxSegments)); };
+    const QString pc11 = QString::number(s.PatternCount() + 11);
+    switch (s.CmdState) {
+    case 53: case 61:
+        s.SegmentCount = clampSegments(img.sprdPD.number(1, s.PatternNo));
+        if (s.PatternNo >= 1 && s.PatternNo <= ControllerImage::MaxPatterns)
+            img.PatternLoaded[s.PatternNo - 1] = true;
+        if (s.CmdState == 61) {
+            s.SegmentNo = 1;
+            s.CmdState = 62;
+            break;
+        }
+        emit bulkProgress(s.BulkFormName, s.BulkFormName == kPtnForm
+                                              ? QStringLiteral("程式組資料 接收中... [%1/%2]").arg(s.PatternNo).arg(s.PatternCount())
+                                              : QStringLiteral("%1/%2").arg(s.PatternNo).arg(s.PatternCount()));
+        if (s.SegmentCount > 0) {
+            s.SegmentNo = 1;
+            s.CmdState = 54;
+        } else {
+            bulkNextPattern();
+        }
+        break;
+    case 54: case 62:
+        if (s.CmdState == 54 && s.BulkFormName != kPtnForm)
+            emit bulkProgress(s.BulkFormName, QStringLiteral("%1/%2").arg(s.SegmentNo).arg(s.SegmentCount));
+        s.SegmentNo += 1;
+        if (s.SegmentNo <= s.SegmentCount)
+            break;
+        if (s.CmdState == 54) {
+            bulkNextPattern();
+        } else {
+            s.CmdState = 1;
+            s.startActiveRefresh();
+            s.RefreshAfterWrite = false;
+        }
+        break;
+    case 93:
+        s.CmdState = 94;
+        break;
+    case 91: case 92: case 94:
+        refreshIfFlagged();
+        s.CmdState = 1;
+        break;
+    case 152:
+        emit bulkProgress(s.BulkFormName, QString::number(s.CmdIndex) + u'/' + pc11);
+        s.CmdIndex += 1;
+        if (s.CmdIndex <= s.CmdIndexEnd)
+            break;
+        emit bulkStatus(s.BulkFormName, QStringLiteral("傳送完了"));
+        if (s.BulkWithPrograms) {
+            s.PatternNo = 1;
+            s.CmdState = 153;
+        } else {
+            emit bulkFinished(s.BulkFormName);
+            s.CmdState = 1;
+        }
+        break;
+    case 153:
+        emit bulkProgress(s.BulkFormName, QStringLiteral("%1/%2").arg(s.PatternNo).arg(s.PatternCount()));
+        s.SegmentCount = clampSegments(img.sprdPD.number(1, s.PatternNo));
+        if (s.SegmentCount == 0) {
+            sendChainNextPattern();
+        } else {
+            s.SegmentNo = 1;
+            s.CmdState = 154;
+        }
+        break;
+    case 154:
+        emit bulkProgress(s.BulkFormName, QStringLiteral("%1/%2").arg(s.SegmentNo).arg(s.SegmentCount));
+        s.SegmentNo += 1;
+        if (s.SegmentNo > s.SegmentCount)
+            sendChainNextPattern();
+        break;
+    case 202:
+        s.CmdIndex += 1;
+        if (s.CmdIndex <= s.CmdIndexEnd) {
+            s.CmdData = wordBytes(img.sprdSD.number((s.SegmentNo - 1) * ControllerImage::SegmentWords + s.CmdIndex,
+                                                    s.PatternNo));
+            break;
+        }
+        s.CmdIndex = s.CmdIndexEnd;
+        s.RefreshAfterWrite = true;
+        s.CmdState = 92;
+        break;
+    case 203:
+        if (s.SegmentNo > s.SegmentCount) {
+            s.SegmentNo = s.SegmentCount;
+            s.RefreshAfterWrite = true;
+            s.CmdState = 93;
+        } else {
+            s.CmdState = 204;
+        }
+        break;
+    case 204:
+        s.SegmentNo += 1;
+        if (s.SegmentNo <= s.SegmentCount)
+            break;
+        emit segmentWriteDone();
+        s.RefreshAfterWrite = true;
+        s.SegmentNo = s.SegmentCount;
+        s.CmdState = 93;
+        break;
+    case 205:
+        s.startActiveRefresh();
+        s.CmdState = 1;
+        break;
+    case 211:
+        if (s.SegmentCount == 0) {
+            s.CmdState = 61;
+        } else {
+            s.SegmentNo = 1;
+            s.CmdState = 212;
+        }
+        break;
+    case 212:
+        s.SegmentNo += 1;
+        if (s.SegmentNo <= s.SegmentCount)
+            break;
+        s.SegmentNo = 1;
+        s.CmdState = 61;
+        break;
+    default:
+        break;
+    }
+}
+
+// ---------------------------------------------------------------- PC Link dispatch
+
+void CommLink::dispatchPcLink()
+{
+    ConsoleState &s = m_st;
+    ControllerImage &img = s.image;
+    const QByteArray &f = m_frame;
+    const QString &cmd = s.LastReplyCmd;
+    const int slot = s.PollSlot;
+    auto is = [&](const char *c) { return cmd == QLatin1String(c); };
+    const QString pc11 = QString::number(s.PatternCount() + 11);
+
+    switch (s.CmdState) {
+    case 1: {
+        const int index = num4(f, 12);
+        if (index > 0)
+            Disp_RRP(slot, f, 16, index, 1);
+        else
+            Disp_RRP(slot, f, 16, 1, ControllerImage::RrpRows);
+        s.CmdState = 2;
+        break;
+    }
+    case 2: {
+        if (const auto rows = decodeRcvPcLink(QByteArrayView(f).sliced(std::min<qsizetype>(11, f.size()))))
+            Disp_RCV(slot, *rows);
+        else
+            WriteErrorLog(s.home, 9, QStringLiteral("RCV reply too short"), QStringLiteral("Disp_RCV"));
+        emit pollCompleted(slot);
+        if (s.ParamPageOpen || s.ParamChanged || s.RefreshOnOpen) {
+            s.CmdState = 3;
+        } else {
+            moveToNextOnlineSlot();
+            s.CmdState = 1;
+        }
+        break;
+    }
+    case 3: case 51: {
+        const int index = num4(f, 12);
+        if (index > 0)
+            Disp_RUP(f, 16, index, 1);
+        else
+            Disp_RUP(f, 16, 1, (f.size() - 19) / 2);
+        if (s.CmdState == 3) {
+            refreshIfFlagged();
+            moveToNextOnlineSlot();
+            s.CmdState = 1;
+            break;
+        }
+        emit bulkStatus(s.BulkFormName, QStringLiteral("接收完了"));
+        if (s.BulkWithPrograms) {
+            s.CmdIndex = 1;
+            s.CmdIndexEnd = s.PatternCount() + 11;
+            s.CmdState = 52;
+        } else {
+            emit bulkFinished(s.BulkFormName);
+            s.CmdState = 1;
+        }
+        break;
+    }
+    case 4:
+        Disp_RTD(s.CmdIndex, f.mid(16, 29));
+        s.CmdIndex += 1;
+        if (s.CmdIndex > s.CmdIndexEnd) {
+            s.CmdIndexEnd = 0;
+            s.CmdState = 1;
+            if (s.RefreshAfterWrite) {
+                s.startActiveRefresh();
+                s.RefreshAfterWrite = false;
+            }
+        }
+        break;
+    case 10: {
+        // The identity text runs from column 12 to the byte before ETX.
+        QByteArray raw = f.mid(11);
+        const qsizetype etx = raw.indexOf(char(0x03));
+        if (etx >= 0)
+            raw.truncate(etx);
+        const QString text = fromAnsi(raw);
+        if (!text.contains(QLatin1String("QM"))) {
+            // Not a controller of this kind: as if nothing had come, the time-out goes on.
+            m_buf.clear();
+            s.RetryCount = m_retryBeforeReply;
+            emit linkEvent(QStringLiteral("machine %1: answer without \"QM\" ignored").arg(slotMachine(slot)));
+            break;
+        }
+        m_buf.clear();
+        QString firmware;
+        const QStringList fields = text.split(u' ');
+        for (int i = 0; i + 1 < fields.size(); ++i)
+            if (fields[i] == QLatin1String("F/W"))
+                firmware = fields[i + 1].mid(1);
+        scanAnswered(slot, firmware, false);
+        break;
+    }
+    case 11:
+        saveScreen(f);
+        moveToNextOnlineSlot();
+        s.CmdState = 1;
+        break;
+    case 52: {
+        Disp_RTD(s.CmdIndex, f.mid(16, 29));
+        if (s.CmdIndex >= 12 && s.CmdIndex - 12 < ControllerImage::MaxPatterns)
+            img.PatternNameLoaded[s.CmdIndex - 12] = true;
+        if (s.BulkFormName == kPtnForm) {
+            emit bulkProgress(s.BulkFormName, QStringLiteral("程式組名稱 接收中... [%1/%2]")
+                                                  .arg(s.CmdIndex - 11).arg(s.PatternCount()));
+            const int next = NextUnloadedRow(img, QStringLiteral("RTD"), s.CmdIndex + 1);
+            if (next > 0) {
+                s.CmdIndex = next;
+                break;
+            }
+            const int p = NextUnloadedRow(img, QStringLiteral("RPD"), 1);
+            if (p > 0) {
+                s.PatternNo = p;
+                s.CmdState = 53;
+            } else {
+                bulkEndReceive();
+            }
+            break;
+        }
+        emit bulkProgress(s.BulkFormName, QString::number(s.CmdIndex) + u'/' + pc11);
+        s.CmdIndex += 1;
+        if (s.CmdIndex > s.CmdIndexEnd) {
+            s.PatternNo = 1;
+            s.CmdState = 53;
+        }
+        break;
+    }
+    case 53: case 61:
+        Disp_RPD(s.PatternNo, f, 21, 1, ControllerImage::PatternWords, "Disp_RPD");
+        programChainStep();
+        break;
+    case 54: case 62: case 94:
+        Disp_RSD(s.PatternNo, s.SegmentNo, f, 26, 1, ControllerImage::SegmentWords, "Disp_RSD");
+        programChainStep();
+        break;
+    case 91: case 93:
+        Disp_RPD(s.PatternNo, f, 21, num4(f, 17), 1, "Disp_RPD");
+        programChainStep();
+        break;
+    case 92:
+        Disp_RSD(s.PatternNo, s.SegmentNo, f, 26, num4(f, 22), 1, "Disp_RSD");
+        programChainStep();
+        break;
+    case 101:
+        if (!is("WRP"))
+            break;
+        s.RefreshAfterWrite = true;
+        s.CmdState = 1;
+        break;
+    case 102:
+        if (!is("WUP"))
+            break;
+        s.RefreshAfterWrite = true;
+        m_writeWaitAfterDispatch = WriteSettleMs;
+        s.CmdState = 1;
+        break;
+    case 103:
+        if (!is("WTD"))
+            break;
+        s.RefreshAfterWrite = true;
+        s.CmdState = 4;
+        break;
+    case 104:
+        if (!is("WUP"))
+            break;
+        if (num4(f, 12) != s.CmdIndex) {
+            emit dateTimeStatus(QStringLiteral("通訊不良"));
+            break;
+        }
+        s.CmdIndex += 1;
+        if (s.CmdIndex <= s.CmdIndexEnd)
+            break;
+        emit dateTimeStatus(s.CmdIndexEnd == 17 ? QStringLiteral("日期/時間 : 傳送完了")
+                                                : QStringLiteral("預約運轉 : 傳送完了"));
+        s.RefreshAfterWrite = true;
+        s.CmdState = 1;
+        break;
+    case 150:
+        if (!is("WUP"))
+            break;
+        s.CmdIndex += 1;
+        if (s.CmdIndex <= s.CmdIndexEnd)
+            break;
+        s.CmdIndex = 0;
+        s.CmdIndexEnd = 0;
+        s.CmdState = 1;
+        break;
+    case 151:
+        if (!is("WUP"))
+            break;
+        emit bulkStatus(s.BulkFormName, QStringLiteral("傳送完了"));
+        if (s.BulkWithPrograms) {
+            s.CmdIndex = 1;
+            s.CmdIndexEnd = s.PatternCount() + 11;
+            s.CmdState = 152;
+        } else {
+            emit bulkFinished(s.BulkFormName);
+            s.CmdState = 1;
+        }
+        break;
+    case 152:
+        if (is("WTD"))
+            programChainStep();
+        break;
+    case 153: case 203: case 205: case 211:
+        if (is("WPD"))
+            programChainStep();
+        break;
+    case 154: case 204: case 212:
+        if (is("WSD"))
+            programChainStep();
+        break;
+    case 201:
+        if (!is("WPD"))
+            break;
+        s.CmdIndex = num4(f, 17);
+        s.RefreshAfterWrite = true;
+        s.CmdState = 91;
+        break;
+    case 202:
+        if (is("WSD"))
+            programChainStep();
+        break;
+    case 311:
+        if (is("WUP"))
+            s.CmdState = 1;
+        break;
+    case 312: case 313: case 314: case 315: case 316:
+    case 321: case 322: case 323: case 324: case 325: case 326: case 327: case 328:
+        if (is("WRP"))
+            s.CmdState = 1;
+        break;
+    case 400:
+        if (!is("WUP"))
+            break;
+        s.CmdIndex += 1;
+        if (s.CmdIndex <= s.CmdIndexEnd)
+            break;
+        s.RefreshAfterWrite = true;
+        m_writeWaitAfterDispatch = WriteSettleMs;
+        s.CmdState = 1;
+        break;
+    default:
+        break;
+    }
+}

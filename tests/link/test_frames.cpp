@@ -1,0 +1,130 @@
+// Request frames byte for byte, the PC Link sum and the Modbus CRC.
+#include "mdlModbusRTU.h"
+#include "mdlQM730_Protocol.h"
+#include <QtTest>
+
+using namespace pclink;
+
+static QByteArray hex(const char *h) { return QByteArray::fromHex(h); }
+static QByteArray ascii(const char *s) { return QByteArray(s); }
+static QByteArray frame(const char *body, const QByteArray &data = {}, bool comma = false)
+{
+    QByteArray f;
+    f += '\x02';
+    f += body;
+    if (comma)
+        f += ',';
+    f += data;
+    f += "\x03\x0D\x0A";
+    return f;
+}
+
+class FramesTest : public QObject {
+    Q_OBJECT
+private slots:
+    void documentedExamples()
+    {
+        QCOMPARE(frame_who(7), hex("0230303757484F030D0A"));
+        QCOMPARE(frame_rup(12, 80), hex("023031325255502C30303830030D0A"));
+    }
+
+    void everyRequestWithoutArguments()
+    {
+        QCOMPARE(frame_rcv(1), frame("001RCV"));
+        QCOMPARE(frame_rcs(1), frame("001RCS"));
+        QCOMPARE(frame_who(1).size(), 10);
+    }
+
+    void everyRequestWithArguments()
+    {
+        QCOMPARE(frame_rrp(5, 0), frame("005RRP,0000"));
+        QCOMPARE(frame_rrp(5, 14), frame("005RRP,0014"));
+        QCOMPARE(frame_rtd(3, 311), frame("003RTD,0311"));
+        QCOMPARE(frame_rpd(2, 100, 0), frame("002RPD,0100,0000"));
+        QCOMPARE(frame_rsd(2, 45, 7, 29), frame("002RSD,0045,0007,0029"));
+        QCOMPARE(frame_rpd(2, 1, 81).size(), 20);
+        QCOMPARE(frame_rsd(2, 1, 1, 1).size(), 25);
+    }
+
+    void widestNumbersFillEveryDigit()
+    {
+        QCOMPARE(frame_rrp(999, 9999), frame("999RRP,9999"));
+        QCOMPARE(frame_rsd(999, 9999, 9999, 9999), frame("999RSD,9999,9999,9999"));
+        QCOMPARE(frame_rup(1, 0), frame("001RUP,0000"));
+    }
+
+    void writesCarryRawData()
+    {
+        // Data bytes are binary: an ETX inside them stays as it is.
+        QCOMPARE(frame_wrp(7, 12, hex("3106")), frame("007WRP,0012,", hex("3106")));
+        QCOMPARE(frame_wrp(7, 12, hex("3106")).size(), 18);
+        QCOMPARE(frame_wrp(7, 0, QByteArray(34, '\x03')).size(), 50);
+        QCOMPARE(frame_wup(7, 1, hex("0001"), 2.31), frame("007WUP,0001,", hex("0001")));
+        QCOMPARE(frame_wpd(7, 3, 5, hex("00FF")), frame("007WPD,0003,0005,", hex("00FF")));
+        QCOMPARE(frame_wpd(7, 3, 0, QByteArray(162, 'a')).size(), 183);
+        QCOMPARE(frame_wsd(7, 3, 2, 4, hex("1234")), frame("007WSD,0003,0002,0004,", hex("1234")));
+        QCOMPARE(frame_wsd(7, 3, 2, 0, QByteArray(58, 'b')).size(), 84);
+        const QByteArray text = QByteArray("abc").leftJustified(29, '\0');
+        QCOMPARE(frame_wtd(7, 9, text), frame("007WTD,0009,", text));
+        QCOMPARE(frame_wtd(7, 9, text).size(), 45);
+    }
+
+    void wholeParameterBlockFollowsTheFirmware()
+    {
+        QCOMPARE(frame_wup(1, 0, QByteArray(1024, '\x01'), 2.2).size(), 16 + 1024);
+        QCOMPARE(frame_wup(1, 0, QByteArray(1024, '\x01'), 2.19).size(), 16 + 984);
+        QCOMPARE(frame_wup(1, 0, QByteArray(1024, '\x01'), 2.09).size(), 16 + 984);
+        QCOMPARE(frame_wup(1, 0, QByteArray(1024, '\x01'), 2.08).size(), 16 + 912);
+        QCOMPARE(frame_wup(1, 0, QByteArray(1024, '\x01'), 1.81).size(), 16 + 912);
+        QCOMPARE(frame_wup(1, 0, QByteArray(1024, '\x01'), 1.8).size(), 16 + 784);
+        // A short block is padded with zero words.
+        const QByteArray f = frame_wup(1, 0, hex("0102"), 1.5);
+        QCOMPARE(f.size(), 16 + 784);
+        QCOMPARE(f.mid(13, 4), hex("01020000"));
+    }
+
+    void textRowZeroSendsNothing()
+    {
+        QVERIFY(frame_wtd(1, 0, QByteArray(29, 'x')).isEmpty());
+    }
+
+    void sumIsThePlainByteSum()
+    {
+        QCOMPARE(frame_checksum(frame_who(7)), 0x01A1);
+        QCOMPARE(with_checksum(frame_who(7)), hex("0230303757484F030D0A01A1"));
+        QCOMPARE(frame_checksum(QByteArray()), 0);
+        // 1024 bytes of 0xFF wrap the sum past 65536: 705 + 261120 = 261825 = 3 * 65536 + 0xFEC1.
+        const QByteArray big = frame_wup(1, 0, QByteArray(1024, '\xFF'), 2.31);
+        QCOMPARE(frame_checksum(big), 0xFEC1);
+        QCOMPARE(with_checksum(big).right(2), hex("FEC1"));
+    }
+
+    void modbusCrcOfAKnownFrame()
+    {
+        QCOMPARE(modbus::modbus_crc(hex("010300000001")), quint16(0x0A84));
+        QCOMPARE(modbus::modbus_read(1, 0, 1), hex("010300000001840A"));
+        QVERIFY(modbus::crc_ok(hex("010300000001840A")));
+        QVERIFY(!modbus::crc_ok(hex("010300000001850A")));
+    }
+
+    void modbusRequestsSendRegistersAsTheyStand()
+    {
+        const QByteArray r = modbus::modbus_read(1, 40001, 17);
+        QCOMPARE(r.left(6), hex("01039C410011"));
+        QCOMPARE(r.size(), 8);
+        QCOMPARE(modbus::readReplyLength(32), 69);
+        QCOMPARE(modbus::modbus_read(7, 40581, 32).left(6), hex("07039E850020"));
+        const QByteArray w = modbus::modbus_write(3, 40012, 1, hex("3106"));
+        QCOMPARE(w.left(9), hex("03109C4C0001023106"));
+        QVERIFY(modbus::crc_ok(w));
+        QCOMPARE(modbus::modbus_read_record(2, 5, 3, 29).left(10), hex("0214070600050003001D"));
+        const QByteArray wr = modbus::modbus_write_record(2, 5, 3, 29, QByteArray(58, '\x11'));
+        QCOMPARE(wr.left(10), hex("0215410600050003001D"));
+        QCOMPARE(wr.size(), 10 + 58 + 2);
+        QCOMPARE(modbus::writeRecordReplyLength(29), 70);
+        QCOMPARE(modbus::readRecordReplyLength(29), 65);
+    }
+};
+
+QTEST_GUILESS_MAIN(FramesTest)
+#include "test_frames.moc"
