@@ -1,0 +1,54 @@
+// Logs as fast as it can until it is killed, or for a given number of ticks:
+// four machines online and running, one row per machine per tick, the clock
+// advanced by a second per tick. Prints "READY" once the first rows are written.
+//
+//   runlog_soak HOME [TICKS]
+#include "ConsoleState.h"
+#include "RunLogger.h"
+#include <QCoreApplication>
+#include <cstdio>
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    if (argc < 2)
+        return 2;
+    const QString home = QString::fromLocal8Bit(argv[1]);
+    const qint64 ticks = argc > 2 ? QByteArray(argv[2]).toLongLong() : -1;
+    ConsoleState state(home);
+    QVector<MachineSlot> list;
+    for (int n : {1, 2, 3, 999}) {
+        MachineSlot s;
+        s.MachineNumber = n;
+        s.MachineOnline = true;
+        s.MachineRunning = true;
+        list << s;
+    }
+    state.setMachines(list);
+    state.image.setTempDecimals(2);
+    writeSaveSettingsFile(home, {"Yes", "1", "sec", home + "/data", "QM730", "0", "0", "0"});
+
+    RunLogger logger(state, [] { return true; });
+    QDateTime now = QDateTime::fromString("2026-03-01 08:00:00", "yyyy-MM-dd HH:mm:ss");
+    logger.setClock([&now] { return now; });
+    logger.loadSettings();
+    logger.markStart();
+    for (qint64 tick = 1; ticks < 0 || tick <= ticks; ++tick) {
+        for (int slot = 0; slot < 4; ++slot) {
+            const int wave = int(tick % 4000);
+            state.image.sprdRCV.setNumber(slot + 1, 1, 9000 + wave);
+            state.image.sprdRCV.setNumber(slot + 1, 2, slot == 2 ? 65535 : 8000 + wave);
+            state.image.sprdRCV.setNumber(slot + 1, 3, wave);
+            state.image.sprdRCV.setNumber(slot + 1, 4, slot == 3 ? 0 : 600);
+            state.image.sprdRCV.setNumber(slot + 1, 5, wave / 3);
+            state.image.sprdRCV.setNumber(slot + 1, 6, 10000 - wave);
+        }
+        now = now.addSecs(1);
+        logger.Timer1_Timer();
+        if (tick == 1) {
+            std::puts("READY");
+            std::fflush(stdout);
+        }
+    }
+    return 0;
+}

@@ -1,0 +1,206 @@
+// qm730-mail against a real SMTP server on loopback (aiosmtpd) and against
+// servers that refuse, reject or stay silent.
+#include "RecordingFixture.h"
+#include "mdlADO.h"
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTcpServer>
+#include <QTemporaryDir>
+#include <QtTest>
+
+class TestMailSender : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    QString home;
+    QString inbox;
+    QProcess sink;
+
+    static QString sender() { return QString::fromLocal8Bit(qgetenv("QM730_BIN")) + "/qm730-mail"; }
+
+    // Starts the loopback server; returns its port.
+    int startSink(const QString &mode)
+    {
+        sink.setProgram("/usr/bin/python3");
+        sink.setArguments({SMTP_SINK, inbox, mode});
+        sink.start();
+        if (!sink.waitForStarted(5000))
+            return 0;
+        QByteArray out;
+        while (!out.contains('\n') && sink.waitForReadyRead(10000))
+            out += sink.readAllStandardOutput();
+        const QList<QByteArray> parts = out.trimmed().split(' ');
+        return parts.size() == 2 && parts[0] == "PORT" ? parts[1].toInt() : 0;
+    }
+
+    QString mdb() const { return home + "/EMail.mdb"; }
+
+    void setMail(const QString &smtp, const QString &to)
+    {
+        sql(mdb(), QString("INSERT INTO SetMail VALUES (1, '%1', 'qm730@example.com', '%2', 0)").arg(smtp, to));
+    }
+
+    void queue(const QString &title, const QString &body)
+    {
+        sql(mdb(), QString("INSERT INTO SendMail VALUES ('%1', '%2')").arg(title, body));
+    }
+
+    QStringList waitingBodies()
+    {
+        QStringList out;
+        for (const QVariant &v : sql(mdb(), "SELECT MailBody FROM SendMail ORDER BY rowid"))
+            out << v.toString();
+        return out;
+    }
+
+    int sendNG() { return sql(mdb(), "SELECT SendNG FROM SetMail WHERE ProcID = 1").value(0, -1).toInt(); }
+
+    int runSender(const QStringList &extra = {})
+    {
+        QProcess p;
+        p.start(sender(), QStringList{"--home", home} + extra);
+        if (!p.waitForFinished(60000)) {
+            p.kill();
+            p.waitForFinished();
+            return -1;
+        }
+        return p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -2;
+    }
+
+    QList<QJsonObject> received()
+    {
+        QList<QJsonObject> out;
+        for (const QString &name : QDir(inbox).entryList({"*.json"}, QDir::Files, QDir::Name)) {
+            QFile f(inbox + "/" + name);
+            if (f.open(QIODevice::ReadOnly))
+                out << QJsonDocument::fromJson(f.readAll()).object();
+        }
+        return out;
+    }
+
+    static QString text(const QJsonObject &o, const char *key)
+    {
+        QString t = o.value(key).toString();
+        t.replace("\r\n", "\n");
+        return t.trimmed();
+    }
+
+    // A port on loopback with nothing listening.
+    static int closedPort()
+    {
+        QTcpServer s;
+        s.listen(QHostAddress::LocalHost);
+        const int port = s.serverPort();
+        s.close();
+        return port;
+    }
+
+private slots:
+    void init()
+    {
+        m_dir = std::make_unique<QTemporaryDir>();
+        home = m_dir->path();
+        inbox = home + "/inbox";
+        QDir().mkpath(inbox);
+        QVERIFY(provisionMailDatabase(mdb()));
+    }
+
+    void cleanup()
+    {
+        if (sink.state() != QProcess::NotRunning) {
+            sink.closeWriteChannel();
+            if (!sink.waitForFinished(5000)) {
+                sink.kill();
+                sink.waitForFinished();
+            }
+        }
+    }
+
+    void deliversEveryRowAndEmptiesTheQueue()
+    {
+        const int port = startSink("accept");
+        QVERIFY2(port > 0, "the loopback SMTP server did not start");
+        setMail(QString("127.0.0.1:%1").arg(port), "a@example.com;b@example.com;");
+        queue("QM730 Alarm Status", "2026-03-01 10:20:30 Meter001 D/I 1 ON");
+        queue("溫度警報", "first line\n.\n..two dots\nlast line 溫度 = 25.0");
+
+        QCOMPARE(runSender(), 0);
+        QVERIFY(waitingBodies().isEmpty());
+        QCOMPARE(sendNG(), 0);
+        const auto mails = received();
+        QCOMPARE(mails.size(), 2);
+        QCOMPARE(mails[0].value("mail_from").toString(), QString("qm730@example.com"));
+        QCOMPARE(mails[0].value("rcpt_tos").toArray().toVariantList(),
+                 (QVariantList{"a@example.com", "b@example.com"}));
+        QCOMPARE(text(mails[0], "subject"), QString("QM730 Alarm Status"));
+        QCOMPARE(text(mails[0], "body"), QString("2026-03-01 10:20:30 Meter001 D/I 1 ON"));
+        QCOMPARE(mails[0].value("charset").toString(), QString("utf-8"));
+        QCOMPARE(text(mails[1], "subject"), QString("溫度警報"));
+        QCOMPARE(text(mails[1], "body"), QString("first line\n.\n..two dots\nlast line 溫度 = 25.0"));
+
+        // Nothing waiting: nothing to do, still a success.
+        QCOMPARE(runSender(), 0);
+        QCOMPARE(received().size(), 2);
+    }
+
+    void twoCopiesSendEachRowOnce()
+    {
+        const int port = startSink("accept");
+        QVERIFY(port > 0);
+        setMail(QString("127.0.0.1:%1").arg(port), ";a@example.com");
+        for (int i = 1; i <= 6; ++i)
+            queue("QM730 Alarm Status", QString("mail %1").arg(i));
+        QProcess first, second;
+        first.start(sender(), {"--home", home});
+        second.start(sender(), {"--home", home});
+        QVERIFY(first.waitForFinished(60000));
+        QVERIFY(second.waitForFinished(60000));
+        QCOMPARE(first.exitCode(), 0);
+        QCOMPARE(second.exitCode(), 0);
+        QStringList bodies;
+        for (const auto &m : received())
+            bodies << text(m, "body");
+        QCOMPARE(bodies, (QStringList{"mail 1", "mail 2", "mail 3", "mail 4", "mail 5", "mail 6"}));
+        QVERIFY(waitingBodies().isEmpty());
+    }
+
+    void failuresSetSendNGAndKeepTheRows_data()
+    {
+        QTest::addColumn<QString>("server");
+        QTest::newRow("connection refused") << "refused";
+        QTest::newRow("recipient rejected with 550") << "reject";
+        QTest::newRow("server never answers") << "silent";
+    }
+
+    void failuresSetSendNGAndKeepTheRows()
+    {
+        QFETCH(QString, server);
+        QTcpServer silent;
+        int port = 0;
+        if (server == "refused") {
+            port = closedPort();
+        } else if (server == "reject") {
+            port = startSink("reject");
+        } else {
+            QVERIFY(silent.listen(QHostAddress::LocalHost));
+            port = silent.serverPort();
+        }
+        QVERIFY(port > 0);
+        setMail(QString("127.0.0.1:%1").arg(port), "a@example.com;");
+        queue("QM730 Alarm Status", "one");
+        queue("QM730 Alarm Status", "two");
+        QElapsedTimer t;
+        t.start();
+        QCOMPARE(runSender({"--timeout", "700"}), 1);
+        QVERIFY(t.elapsed() < 20000);
+        QCOMPARE(sendNG(), 1);
+        QCOMPARE(waitingBodies(), (QStringList{"one", "two"}));
+        QVERIFY(received().isEmpty());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestMailSender)
+#include "tst_mailsender.moc"

@@ -1,0 +1,404 @@
+// The recording screens on the offscreen platform, found by their control names.
+#include "ConsoleState.h"
+#include "Files.h"
+#include "MailNotifier.h"
+#include "RecordFiles.h"
+#include "RecordingFixture.h"
+#include "RunLogger.h"
+#include "frmQM730_History.h"
+#include "frmQM730_Set_DSave.h"
+#include "frmQM730_Set_EMail.h"
+#include "frmSelectFolder.h"
+#include "mdlADO.h"
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTableWidget>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+
+// Answers the next modal message box with the given button and remembers
+// its title and text.
+struct ModalAnswer {
+    QString title, text;
+    bool seen = false;
+
+    explicit ModalAnswer(QMessageBox::StandardButton button)
+    {
+        QTimer::singleShot(0, [this, button] { answer(button, 0); });
+    }
+    void answer(QMessageBox::StandardButton button, int attempt)
+    {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        if (!box) {
+            if (attempt < 100)
+                QTimer::singleShot(20, [this, button, attempt] { answer(button, attempt + 1); });
+            return;
+        }
+        seen = true;
+        title = box->windowTitle();
+        text = box->text();
+        box->button(button)->click();
+    }
+};
+
+void loseFocus(QWidget *w)
+{
+    QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
+    QApplication::sendEvent(w, &out);
+}
+
+} // namespace
+
+class TestScreens : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    QString home;
+
+    template <typename T>
+    static T *child(QWidget &w, const char *name)
+    {
+        T *c = w.findChild<T *>(QLatin1String(name));
+        if (!c)
+            qFatal("no control %s", name);
+        return c;
+    }
+
+    void writeHistory(const QString &name, const QByteArray &bytes)
+    {
+        QDir().mkpath(home + "/ActionHistory");
+        QFile f(home + "/ActionHistory/" + name);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write(bytes);
+    }
+
+    static QStringList column(QTableWidget *t, int col)
+    {
+        QStringList out;
+        for (int r = 0; r < t->rowCount(); ++r)
+            out << (t->item(r, col) ? t->item(r, col)->text() : QString());
+        return out;
+    }
+
+private slots:
+    void init()
+    {
+        m_dir = std::make_unique<QTemporaryDir>();
+        home = m_dir->path();
+    }
+
+    // ---- data-save settings ----
+
+    void dataSaveClampsAndExamples()
+    {
+        auto state = makeState(home, {1});
+        RunLogger logger(*state, [] { return true; });
+        logger.loadSettings();
+        frmQM730_Set_DSave screen(logger);
+        screen.show();
+        QCOMPARE(screen.windowTitle(), QString("數據儲存設定"));
+        auto *interval = child<QLineEdit>(screen, "txtSaveInterval");
+        for (const auto &[typed, shown] : QList<QPair<QString, QString>>{
+                 {"0", "1"}, {"61", "60"}, {"abc", "1"}, {"60", "60"}, {"0.5", "1"}, {"7", "7"}}) {
+            interval->setText(typed);
+            loseFocus(interval);
+            QCOMPARE(interval->text(), shown);
+        }
+
+        auto *daily = child<QCheckBox>(screen, "chbDSaveF");
+        auto *msg = child<QLabel>(screen, "lblMSG");
+        auto *msg2 = child<QLabel>(screen, "lblMSG2");
+        QVERIFY(daily->isChecked()); // default: one file per day
+        QCOMPARE(msg->text(), QString("-. Meter = 1 :  C:\\QM730_Data\\QM730_001_YYYYMMDD.QM7"));
+        daily->setChecked(false);
+        QCOMPARE(msg->text(), QString("-. Meter = 1 :  C:\\QM730_Data\\QM730_001.QM7"));
+        QCOMPARE(msg2->text(), QString("-. Meter = 999 :  C:\\QM730_Data\\QM730_999.QM7"));
+        daily->setChecked(true);
+        QCOMPARE(msg2->text(), QString("-. Meter = 999 :  C:\\QM730_Data\\QM730_999_YYYYMMDD.QM7"));
+        QCOMPARE(child<QLabel>(screen, "lblEX")->text(), QString("EX) Folder : C:\\QM730_Data   File Name :  QM730"));
+    }
+
+    void dataSaveRefusesMissingEntries_data()
+    {
+        QTest::addColumn<QString>("folder");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("no folder") << "" << "QM730" << "選擇儲存路徑";
+        QTest::newRow("no file name") << "/data" << "" << "錄入檔案名稱";
+    }
+
+    void dataSaveRefusesMissingEntries()
+    {
+        QFETCH(QString, folder);
+        QFETCH(QString, name);
+        QFETCH(QString, message);
+        auto state = makeState(home, {1});
+        RunLogger logger(*state, [] { return true; });
+        frmQM730_Set_DSave screen(logger);
+        QSignalSpy saved(&screen, &frmQM730_Set_DSave::saved);
+        screen.show();
+        child<QLabel>(screen, "lblFolder")->setText(folder);
+        child<QLineEdit>(screen, "txtFName")->setText(name);
+        ModalAnswer answer(QMessageBox::Ok);
+        child<QPushButton>(screen, "btnOK")->click();
+        QVERIFY(answer.seen);
+        QCOMPARE(answer.text, message);
+        QVERIFY(screen.isVisible());
+        QCOMPARE(saved.count(), 0);
+        QVERIFY(!QFileInfo::exists(saveSettingsPath(home)));
+    }
+
+    void dataSaveOkWritesTheFileAndFiveRunningValues()
+    {
+        writeSaveSettingsFile(home, {"No", "5", "min", home + "/old", "Old", "1", "8", "30"});
+        auto state = makeState(home, {1});
+        RunLogger logger(*state, [] { return true; });
+        logger.loadSettings();
+        frmQM730_Set_DSave screen(logger);
+        screen.setCallWin("frmQM730_RunSimple");
+        QSignalSpy saved(&screen, &frmQM730_Set_DSave::saved);
+        screen.show();
+        QCOMPARE(child<QLineEdit>(screen, "txtDayMM")->text(), QString("30")); // filled from the file
+
+        child<QComboBox>(screen, "cmbSave")->setCurrentText("Yes");
+        child<QLineEdit>(screen, "txtSaveInterval")->setText("10");
+        child<QComboBox>(screen, "cmbUnit")->setCurrentText("sec");
+        child<QLabel>(screen, "lblFolder")->setText(home + "/new");
+        child<QLineEdit>(screen, "txtFName")->setText("Oven");
+        child<QCheckBox>(screen, "chbDSaveF")->setChecked(false);
+        child<QLineEdit>(screen, "txtDayHH")->setText("25");
+        child<QLineEdit>(screen, "txtDayMM")->setText("7");
+        child<QPushButton>(screen, "btnOK")->click();
+
+        QCOMPARE(screen.result(), int(QDialog::Accepted));
+        QCOMPARE(saved.count(), 1);
+        QCOMPARE(saved[0][0].toString(), QString("frmQM730_RunSimple"));
+        QCOMPARE(fileBytes(saveSettingsPath(home)),
+                 ("Yes\r\n10\r\nsec\r\n" + home + "/new\r\nOven\r\n0\r\n25\r\n7\r\n").toUtf8());
+        const SaveSettings &s = logger.settings();
+        QCOMPARE(s.SaveEnable, QString("Yes"));
+        QCOMPARE(s.SaveInterval, 10);
+        QCOMPARE(s.SaveUnit, QString("sec"));
+        QCOMPARE(s.SaveFolder, home + "/new");
+        QCOMPARE(s.SaveFileName, QString("Oven"));
+        // Until the next start the old naming stays.
+        QVERIFY(s.DailyFile);
+        QCOMPARE(s.DayStartHour, 8);
+        QCOMPARE(s.DayStartMinute, 30);
+    }
+
+    void dataSaveCancelKeepsEverything()
+    {
+        auto state = makeState(home, {1});
+        RunLogger logger(*state, [] { return true; });
+        frmQM730_Set_DSave screen(logger);
+        QSignalSpy saved(&screen, &frmQM730_Set_DSave::saved);
+        screen.show();
+        // Without a file the screen shows the running values.
+        QCOMPARE(child<QLabel>(screen, "lblFolder")->text(), programPath(home, "QM730_DATA"));
+        child<QLineEdit>(screen, "txtFName")->setText("Changed");
+        child<QPushButton>(screen, "btnCancel")->click();
+        QCOMPARE(saved.count(), 0);
+        QCOMPARE(logger.settings().SaveFileName, QString("QM730"));
+        QVERIFY(!QFileInfo::exists(saveSettingsPath(home)));
+    }
+
+    void folderPickerStartsAtTheFolderAndHandsItBack()
+    {
+        QDir().mkpath(home + "/runs/oven");
+        frmSelectFolder picker("C:\\runs\\oven", home);
+        QCOMPARE(picker.windowTitle(), QString("選擇檔案路徑"));
+        QCOMPARE(child<QLabel>(picker, "lblFolder")->text(), home + "/runs/oven");
+        picker.goTo(home + "/runs/missing/deeper"); // the nearest existing folder
+        child<QPushButton>(picker, "btnOK")->click();
+        QCOMPARE(picker.folder(), home + "/runs");
+    }
+
+    // ---- e-mail settings ----
+
+    void emailAddressesNeedAnAt()
+    {
+        QVERIFY(provisionMailDatabase(home + "/EMail.mdb"));
+        mdlADO db;
+        QVERIFY(db.open(home + "/EMail.mdb"));
+        MailNotifier mail(db, home);
+        frmQM730_Set_EMail screen(mail);
+        screen.show();
+        QCOMPARE(screen.windowTitle(), QString("E-mail setup"));
+        QCOMPARE(screen.findChildren<QLineEdit *>("txtToMail").size(), 10);
+        QCOMPARE(screen.findChildren<QCheckBox *>("chbItem").size(), 11);
+        QCOMPARE(screen.item(9)->text(), QString("Temp B.OUT"));
+
+        child<QCheckBox>(screen, "chbUseEMail")->setChecked(true);
+        QLineEdit *to = screen.toMail(0);
+        QVERIFY(to->isEnabled());
+        to->setFocus();
+        to->setText("op@example.com");
+        QTest::keyClick(to, Qt::Key_Return);
+        to->setText("no-at-sign");
+        QTest::keyClick(to, Qt::Key_Return);
+        QCOMPARE(to->text(), QString("op@example.com"));
+        to->setText("");
+        QTest::keyClick(to, Qt::Key_Return);
+        QCOMPARE(to->text(), QString(""));
+        auto *from = child<QLineEdit>(screen, "txtFromMail");
+        from->setFocus();
+        from->setText("plain");
+        QTest::keyClick(from, Qt::Key_Return);
+        QCOMPARE(from->text(), QString(""));
+
+        child<QCheckBox>(screen, "chbUseEMail")->setChecked(false);
+        QVERIFY(!to->isEnabled());
+        QVERIFY(!child<QLineEdit>(screen, "txtSMTP")->isEnabled());
+    }
+
+    void emailSendErrorAndSave()
+    {
+        const QString file = home + "/EMail.mdb";
+        QVERIFY(provisionMailDatabase(file));
+        mdlADO db;
+        QVERIFY(db.open(file));
+        MailNotifier mail(db, home);
+        QVERIFY(db.saveSetMail("smtp", "a@b", "c@d;"));
+        {
+            frmQM730_Set_EMail clean(mail);
+            QCOMPARE(child<QLabel>(clean, "lblSendNG")->text(), QString());
+            QVERIFY(child<QPushButton>(clean, "btnDeleteMail")->isHidden());
+        }
+        sql(file, "UPDATE SetMail SET SendNG = 1");
+        QVERIFY(db.queueMail("QM730 Alarm Status", "waiting"));
+
+        frmQM730_Set_EMail screen(mail);
+        screen.show();
+        QCOMPARE(child<QLabel>(screen, "lblSendNG")->text(), QString("SMTP Error"));
+        auto *drop = child<QPushButton>(screen, "btnDeleteMail");
+        QVERIFY(drop->isVisible());
+        drop->click();
+        QCOMPARE(sql(file, "SELECT COUNT(*) FROM SendMail"), QVariantList{0});
+
+        child<QCheckBox>(screen, "chbUseEMail")->setChecked(true);
+        child<QLineEdit>(screen, "txtSMTP")->setText("mail.example.com:2525");
+        child<QLineEdit>(screen, "txtFromMail")->setText("qm@example.com");
+        screen.toMail(1)->setText("a@example.com");
+        screen.toMail(4)->setText("b@example.com");
+        screen.item(8)->setChecked(true);
+        child<QPushButton>(screen, "btnOK")->click();
+        QCOMPARE(screen.result(), int(QDialog::Accepted));
+
+        QVERIFY(mail.settings().MailEnabled);
+        const auto lines = readTextLines(home + "/CFG/SetEMail.CFG");
+        QVERIFY(lines);
+        QCOMPARE(lines->size(), 24);
+        QCOMPARE(lines->mid(0, 5), (QStringList{"1", "mail.example.com:2525", "qm@example.com", "", "a@example.com"}));
+        QCOMPARE(lines->mid(13), (QStringList{"0", "0", "0", "0", "0", "0", "0", "0", "1", "0", "0"}));
+        QCOMPARE(sql(file, "SELECT SMTP || '|' || ToMail || '|' || SendNG FROM SetMail"),
+                 QVariantList{"mail.example.com:2525|a@example.com;b@example.com;|0"});
+    }
+
+    // ---- history ----
+
+    void historyCreatesItsFolder()
+    {
+        frmQM730_History screen(home);
+        QCOMPARE(screen.windowTitle(), QString("歷史資料"));
+        QVERIFY(QFileInfo(home + "/ActionHistory").isDir());
+        QCOMPARE(child<QTableWidget>(screen, "sprdList")->rowCount(), 0);
+        QCOMPARE(child<QTableWidget>(screen, "sprdHistory")->rowCount(), 0);
+    }
+
+    void historyListsAndLoadsFiles()
+    {
+        writeHistory("H003.USE", "2026-03-01 10:00:00\tI/S 1 ON\r\nno tab here\r\n2026-03-01 10:00:02\tD/I 2 OFF\textra\r\n");
+        writeHistory("H010.USE", "2026-03-02 11:00:00\tPROGRAMRUN Start.\r\n");
+        writeHistory("notes.USE", "free text\r\n");
+        frmQM730_History screen(home);
+        auto *list = child<QTableWidget>(screen, "sprdList");
+        auto *lines = child<QTableWidget>(screen, "sprdHistory");
+        QCOMPARE(list->horizontalHeaderItem(0)->text(), QString("機號"));
+        QCOMPARE(lines->horizontalHeaderItem(1)->text(), QString("說明"));
+        QCOMPARE(column(list, 0), (QStringList{"003", "010", "ote"}));
+        QCOMPARE(child<QLabel>(screen, "lblNo")->text(), QString("003"));
+        QCOMPARE(column(lines, 0), (QStringList{"2026-03-01 10:00:00", "no tab here", "2026-03-01 10:00:02"}));
+        QCOMPARE(column(lines, 1), (QStringList{"I/S 1 ON", "", "D/I 2 OFF"}));
+
+        screen.selectMachine(1);
+        QCOMPARE(child<QLabel>(screen, "lblFName")->text(), QString("\\ActionHistory\\H010.USE"));
+        QCOMPARE(column(lines, 1), QStringList{"PROGRAMRUN Start."});
+        // A file not of the usual form is listed, but its number names no file.
+        screen.selectMachine(2);
+        QCOMPARE(lines->rowCount(), 0);
+    }
+
+    void historyDeletesAfterConfirmation()
+    {
+        const QByteArray original = "t1\tA\r\nt2\r\nt3\tC\r\nt4\tD\r\n";
+        writeHistory("H003.USE", original);
+        frmQM730_History screen(home);
+        auto *lines = child<QTableWidget>(screen, "sprdHistory");
+        auto *del = screen.findChild<QAction *>("mEditDel");
+        QVERIFY(del);
+        QCOMPARE(del->text(), QString("刪除"));
+        lines->selectRow(1);
+        lines->selectionModel()->select(lines->model()->index(3, 0),
+                                        QItemSelectionModel::Select | QItemSelectionModel::Rows);
+
+        {
+            ModalAnswer no(QMessageBox::No);
+            del->trigger();
+            QVERIFY(no.seen);
+            QCOMPARE(no.title, QString("確認"));
+            QCOMPARE(no.text, QString("刪除?"));
+        }
+        QCOMPARE(lines->rowCount(), 4);
+        QCOMPARE(fileBytes(home + "/ActionHistory/H003.USE"), original);
+
+        {
+            ModalAnswer yes(QMessageBox::Yes);
+            del->trigger();
+            QVERIFY(yes.seen);
+        }
+        QCOMPARE(column(lines, 0), (QStringList{"t1", "t3"}));
+        QCOMPARE(fileBytes(home + "/ActionHistory/H003.USE"), QByteArray("t1\tA\r\nt3\tC\r\n"));
+
+        {
+            ModalAnswer yes(QMessageBox::Yes);
+            child<QPushButton>(screen, "btnDelAll")->click();
+        }
+        QCOMPARE(lines->rowCount(), 0);
+        QFileInfo emptied(home + "/ActionHistory/H003.USE");
+        QVERIFY(emptied.exists());
+        QCOMPARE(emptied.size(), 0);
+        frmQM730_History again(home);
+        QCOMPARE(column(child<QTableWidget>(again, "sprdList"), 0), QStringList{"003"});
+    }
+
+    void rewriteReplacesTheFileWhole()
+    {
+        writeHistory("H001.USE", "old\tline\r\n");
+        const QString path = eventFilePath(home, 1);
+        QFile reader(path);
+        QVERIFY(reader.open(QIODevice::ReadOnly)); // a reader that opened the file before
+        QVERIFY(rewriteHistory(path, {{"new", "one"}, {"new", "two"}}));
+        // The old file was replaced, not truncated and rewritten in place.
+        QCOMPARE(reader.readAll(), QByteArray("old\tline\r\n"));
+        QCOMPARE(fileBytes(path), QByteArray("new\tone\r\nnew\ttwo\r\n"));
+        QVERIFY(QDir(home + "/ActionHistory").entryList(QDir::Files | QDir::Hidden) == QStringList{"H001.USE"});
+
+        // A rewrite that cannot happen leaves the old file as it was.
+        QVERIFY(QDir().mkpath(home + "/ActionHistory/H002.USE"));
+        QVERIFY(!rewriteHistory(eventFilePath(home, 2), {{"x", "y"}}));
+        QVERIFY(QFileInfo(home + "/ActionHistory/H002.USE").isDir());
+    }
+};
+
+QTEST_MAIN(TestScreens)
+#include "tst_screens.moc"
