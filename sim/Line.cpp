@@ -15,7 +15,7 @@ const std::pair<const char *, Fault> FaultNames[] = {
     {"silent", Fault::Silent},   {"split", Fault::Split},         {"noise", Fault::Noise},
     {"badsum", Fault::BadSum},   {"badetx", Fault::BadEtx},       {"exception", Fault::Exception},
     {"delay", Fault::Delay},     {"wrongmachine", Fault::WrongMachine}, {"short", Fault::Short},
-    {"noqm", Fault::NoQm},
+    {"noqm", Fault::NoQm},       {"badetxgood", Fault::BadEtxThenGood},
 };
 
 } // namespace
@@ -212,6 +212,12 @@ void Line::handlePcLink(const QByteArray &frame)
         wire::appendSum(reply);
         if (f.has(Fault::BadSum))
             reply[reply.size() - 1] = static_cast<char>(reply.at(reply.size() - 1) + 1);
+    }
+    if (f.has(Fault::BadEtxThenGood)) {
+        // A copy with a broken ETX goes first, the good reply right behind it.
+        QByteArray broken = reply;
+        broken[broken.size() - (withSum ? 5 : 3)] = 0x04;
+        reply.prepend(broken);
     }
     answer(request.machine, reply);
 }

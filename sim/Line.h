@@ -20,7 +20,7 @@ enum class Protocol { PcLink = 0, PcLinkSum = 1, ModbusRtu = 2 };
 QString protocolName(Protocol protocol);
 std::optional<Protocol> parseProtocol(const QString &name);
 
-enum class Fault { Silent, Split, Noise, BadSum, BadEtx, Exception, Delay, WrongMachine, Short, NoQm };
+enum class Fault { Silent, Split, Noise, BadSum, BadEtx, BadEtxThenGood, Exception, Delay, WrongMachine, Short, NoQm };
 std::optional<Fault> parseFault(const QString &name);
 
 // One piece of output, written after a pause counted from the end of the piece before.

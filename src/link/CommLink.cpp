@@ -12,6 +12,9 @@ CommLink::CommLink(ConsoleState &state, CommPort &port, QObject *parent)
     // tmrSend ticks every 50 ms while enabled; a tick that sends disables it.
     tmrSend.setInterval(50);
     tmrRecvErr.setInterval(500);
+    // Waits of the link are never cut short: precise timers do not fire early.
+    for (QTimer *t : {&tmrSend, &tmrRecvErr, &m_settleTimer, &m_writeWaitTimer})
+        t->setTimerType(Qt::PreciseTimer);
     m_settleTimer.setSingleShot(true);
     m_writeWaitTimer.setSingleShot(true);
     m_writeWaitTimer.setInterval(WriteSettleMs);

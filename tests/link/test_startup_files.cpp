@@ -1,0 +1,160 @@
+// The settings files read at start: each file's failure rule, lenient numbers,
+// and files written in Big5 as well as UTF-8.
+#include "ConsoleState.h"
+#include "Files.h"
+#include "StartupFiles.h"
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+class StartupFilesTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    QString home() const { return m_dir.path(); }
+    void put(const QString &rel, const QByteArray &bytes)
+    {
+        const QString path = programPath(home(), rel);
+        QDir().mkpath(QFileInfo(path).absolutePath());
+        QFile f(path);
+        QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        f.write(bytes);
+    }
+    QByteArray contents(const QString &rel)
+    {
+        QFile f(programPath(home(), rel));
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }
+
+private slots:
+    void init()
+    {
+        QDir(home()).removeRecursively();
+        QDir().mkpath(home());
+    }
+
+    void commWait()
+    {
+        QCOMPARE(readCommWait(home()), 0);
+        QCOMPARE(contents(QStringLiteral("CommWait.TM")), QByteArray("0\r\n")); // written anew
+        put(QStringLiteral("CommWait.TM"), "");
+        QCOMPARE(readCommWait(home()), 0);
+        QCOMPARE(contents(QStringLiteral("CommWait.TM")), QByteArray("0\r\n"));
+        put(QStringLiteral("CommWait.TM"), "1000\r\n");
+        QCOMPARE(readCommWait(home()), 1000);
+        put(QStringLiteral("CommWait.TM"), " 250ms");
+        QCOMPARE(readCommWait(home()), 250);
+        put(QStringLiteral("CommWait.TM"), "slow");
+        QCOMPARE(readCommWait(home()), 0);
+        QCOMPARE(contents(QStringLiteral("CommWait.TM")), QByteArray("slow")); // readable: kept
+    }
+
+    void commPortSevenLines()
+    {
+        ConsoleState s(home());
+        put(QStringLiteral("CommPort.CFG"), "COM12\r\n9600\r\nE\r\n7\r\n2\r\nPC Link + crc\r\nON\r\n");
+        QVERIFY(readCommPortCfg(s));
+        QCOMPARE(s.CommPortNo, 12);
+        QCOMPARE(s.CommSettingsText(), QStringLiteral("9600,E,7,2"));
+        QVERIFY(s.CrcMode());
+        QCOMPARE(s.CommRTS, QStringLiteral("ON"));
+    }
+
+    void commPortShortFileGivesEveryDefault()
+    {
+        ConsoleState s(home());
+        s.CommBaud = QStringLiteral("1200");
+        put(QStringLiteral("CommPort.CFG"), "COM3\r\n9600\r\nE\r\n7\r\n2\r\n");
+        QVERIFY(!readCommPortCfg(s));
+        QCOMPARE(s.CommPortNo, 1);
+        QCOMPARE(s.CommSettingsText(), QStringLiteral("115200,N,8,1"));
+        QCOMPARE(s.CommProtocol, QStringLiteral("PC Link"));
+        QCOMPARE(s.CommRTS, QStringLiteral("OFF"));
+        QVERIFY(!s.CrcMode());
+        ConsoleState missing(home() + QStringLiteral("/nowhere"));
+        QVERIFY(!readCommPortCfg(missing));
+        QCOMPARE(missing.CommBaud, QStringLiteral("115200"));
+    }
+
+    void commPortNonNumericPort()
+    {
+        ConsoleState s(home());
+        put(QStringLiteral("CommPort.CFG"), "COMx\n57600\nN\n8\n1\nModbus RTU\nOFF\n");
+        QVERIFY(readCommPortCfg(s));
+        QCOMPARE(s.CommPortNo, 0);
+        QVERIFY(s.Modbus());
+    }
+
+    void runIniMissingCreatesTheFolder()
+    {
+        const MachineList list = Get_RunCFG(home());
+        QVERIFY(QDir(programPath(home(), QStringLiteral("CFG"))).exists());
+        QVERIFY(!list.multiMode);
+        QCOMPARE(list.machines.size(), 1);
+        QCOMPARE(list.machines[0].MachineNumber, 1);
+        QVERIFY(contents(QStringLiteral("Err.LOG")).contains(",Get_RunCFG"));
+    }
+
+    void runIniSingleMode()
+    {
+        put(QStringLiteral("CFG/Run.INI"), QByteArray("單機\r\n7\r\nO\tA\r\n"));
+        const MachineList list = Get_RunCFG(home());
+        QVERIFY(!list.multiMode);
+        QCOMPARE(list.machines.size(), 1);
+        QCOMPARE(list.machines[0].MachineNumber, 7);
+        QVERIFY(list.machines[0].MachineName.isEmpty());
+    }
+
+    void runIniMultiModeInBig5AndUtf8()
+    {
+        // The same list written by the controllers' code page and by a UTF-8 editor.
+        const QString text = QStringLiteral("多機\r\n5\r\nO\t一號\r\n\t\r\nX\t三號\r\nO\t四號\r\n");
+        for (const QByteArray &bytes : {toAnsi(text), text.toUtf8()}) {
+            put(QStringLiteral("CFG/Run.INI"), bytes);
+            const MachineList list = Get_RunCFG(home());
+            QVERIFY(list.multiMode);
+            QCOMPARE(list.machines.size(), 2);
+            QCOMPARE(list.machines[0].MachineNumber, 1);
+            QCOMPARE(list.machines[0].MachineName, QStringLiteral("一號"));
+            QCOMPARE(list.machines[1].MachineNumber, 4); // numbers keep their gaps
+            QCOMPARE(list.machines[1].MachineName, QStringLiteral("四號"));
+            QVERIFY(!list.machines[1].MachineOnline && !list.machines[1].MachineRunning);
+        }
+    }
+
+    void runIniWrittenAndReadBack()
+    {
+        QVERIFY(Put_RunCFG(home(), true, 3, {{true, QStringLiteral("甲")}, {false, QStringLiteral("乙")}, {true, {}}}));
+        const MachineList list = Get_RunCFG(home());
+        QVERIFY(list.multiMode);
+        QCOMPARE(list.singleMachine, 3);
+        QCOMPARE(list.machines.size(), 2);
+        QCOMPARE(list.machines[1].MachineNumber, 3);
+    }
+
+    void systemPassword()
+    {
+        QVERIFY(!loadSystemPassword(home()));
+        put(QStringLiteral("QM730_ID.INI"), "not a table");
+        QVERIFY(!loadSystemPassword(home()));
+        QVERIFY(saveSystemPassword(home(), QStringLiteral("Abc 密碼\t1")));
+        QCOMPARE(loadSystemPassword(home()).value_or(QString()), QStringLiteral("Abc 密碼\t1"));
+        QVERIFY(saveSystemPassword(home(), QString()));
+        QCOMPARE(loadSystemPassword(home()).value_or(QStringLiteral("x")), QString()); // an empty password stands
+    }
+
+    void lenientNumbers()
+    {
+        QCOMPARE(leadingNumber(QStringLiteral("12abc")), 12.0);
+        QCOMPARE(leadingNumber(QStringLiteral(" -3.5e1x")), -35.0);
+        QCOMPARE(leadingNumber(QStringLiteral("abc")), 0.0);
+        QCOMPARE(leadingNumber(QString()), 0.0);
+        QCOMPARE(leadingNumber(QStringLiteral("1 2")), 12.0);
+        QCOMPARE(leadingInt(QStringLiteral("2.5")), 2);
+        QCOMPARE(leadingInt(QStringLiteral("3.5")), 4);
+    }
+};
+
+QTEST_GUILESS_MAIN(StartupFilesTest)
+#include "test_startup_files.moc"
