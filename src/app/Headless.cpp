@@ -1,5 +1,6 @@
 #include "Headless.h"
 #include "ConsoleCore.h"
+#include "Demo.h"
 #include "LiveStatus.h"
 #include "Recorder.h"
 #include <QCoreApplication>
@@ -48,10 +49,15 @@ QString pollLine(ConsoleState &s, int slot)
 }
 } // namespace
 
-int runHeadless(const QString &home, int seconds, bool commLog)
+int runHeadless(const QString &home, int seconds, bool commLog, bool demo)
 {
     QTextStream out(stdout);
     ConsoleCore core(home);
+    if (demo) {
+        QString error;
+        if (!startDemoLine(home, &core, &error))
+            QTextStream(stderr) << "demo: " << error << '\n';
+    }
     if (core.start() == ConsoleCore::StartResult::MailDatabaseMissing) {
         QTextStream(stderr) << "File not found.\n";
         return 1;
@@ -71,6 +77,7 @@ int runHeadless(const QString &home, int seconds, bool commLog)
         QObject::connect(notifier, &QSocketNotifier::activated, &core, [] { QCoreApplication::quit(); });
         std::signal(SIGTERM, onSignal);
         std::signal(SIGINT, onSignal);
+        std::signal(SIGPIPE, SIG_IGN); // a closed stdout must not end the recording
     }
     if (seconds > 0)
         QTimer::singleShot(seconds * 1000, &core, [] { QCoreApplication::quit(); });

@@ -5,4 +5,5 @@
 // records, and prints one line per change of the link and per poll of a
 // machine. Ends after `seconds` (0: never) or on SIGTERM/SIGINT, closing the
 // port and the database.
-int runHeadless(const QString &home, int seconds, bool commLog);
+// With `demo` the simulator's line is started first (see Demo.h).
+int runHeadless(const QString &home, int seconds, bool commLog, bool demo = false);

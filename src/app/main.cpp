@@ -51,6 +51,9 @@ int main(int argc, char **argv)
 
     if (parser.isSet(provisionOpt))
         return provisionHome(home) ? 0 : 1;
+    // The demonstration folder is prepared as an installer would.
+    if (parser.isSet(demoOpt) && !QFileInfo::exists(home + QStringLiteral("/EMail.mdb")))
+        provisionHome(home);
     if (headless) {
         bool ok = true;
         const int seconds = parser.isSet(secondsOpt) ? parser.value(secondsOpt).toInt(&ok) : 0;
@@ -58,7 +61,7 @@ int main(int argc, char **argv)
             QTextStream(stderr) << "--seconds takes a whole number of seconds\n";
             return 2;
         }
-        return runHeadless(home, seconds, parser.isSet(commLogOpt));
+        return runHeadless(home, seconds, parser.isSet(commLogOpt), parser.isSet(demoOpt));
     }
     return runWindow(static_cast<QApplication &>(*app), home, parser.isSet(commLogOpt), parser.isSet(demoOpt));
 }
