@@ -1,0 +1,86 @@
+// Renders the single-chamber console offscreen in its three views, one under
+// the other, after ten minutes of a simulated program run:
+//   QT_QPA_PLATFORM=offscreen run_simple_screenshot [out.png]
+// docs/run-simple.png is made with it.
+#include "RunFixture.h"
+#include "RunLogger.h"
+#include "SaveSettings.h"
+#include <QPainter>
+#include <cmath>
+#include <cstdio>
+
+int main(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    useChineseFont();
+    const QString out = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("run-simple.png");
+
+    RunBench b;
+    b.rcv(Rcv::RunMode, 0);
+    b.rrp(Rrp::Run, 1);
+    b.rrp(Rrp::StartPattern, 3);
+    b.rrp(Rrp::TempPID, 2);
+    b.rrp(Rrp::HumiPID, 4);
+    b.rrp(Rrp::HumiTargetSV, 850);
+    b.rcv(Rcv::RunPattern, 3);
+    b.rcv(Rcv::RunSegment, 2);
+    b.rcv(Rcv::SegTotalHours, 1);
+    b.rcv(Rcv::SegTotalMinutes, 30);
+    b.rcv(Rcv::PatternRepeatDone, 1);
+    b.rcv(Rcv::PatternRepeatTotal, 5);
+    b.rcv(Rcv::SegmentRepeatTotal, 1);
+    b.rcv(Rcv::IsOnBits, 0x1205);
+    b.rcv(Rcv::TsDsDrBits, 0x0003);
+    b.rcv(Rcv::DiBits, 0x0001);
+    b.rcv(Rcv::RampFlags, 0x88);
+    b.state.image.sprdTD.setText(1, 3 + 11, QStringLiteral("高溫高濕測試"));
+    SaveSettings save = SaveSettings::defaults(b.home.path());
+    save.SaveEnable = QStringLiteral("Yes");
+    save.SaveFolder = QStringLiteral("C:\\QM730_DATA");
+    b.logger.applySavedSettings(save);
+
+    frmQM730_RunSimple &form = b.open();
+    QDateTime clock(QDate(2026, 3, 1), QTime(8, 0, 0));
+    form.setClock([&clock] { return clock; });
+    form.show();
+    if (!QTest::qWaitForWindowExposed(&form))
+        return 1;
+
+    // Ten minutes of a ramp from 25 to 60 degrees and from 60 to 85 %.
+    for (int s = 0; s <= 600; ++s) {
+        const double f = s / 600.0;
+        const double svT = 25 + 35 * f, svH = 60 + 25 * f;
+        const double pvT = svT - 1.5 + 0.3 * std::sin(s / 9.0), pvH = svH - 3 + 0.8 * std::sin(s / 13.0);
+        b.rcv(Rcv::TempSV, std::lround((svT + 100) * 100));
+        b.rcv(Rcv::TempPV, std::lround((pvT + 100) * 100));
+        b.rcv(Rcv::HumiSV, std::lround(svH * 10));
+        b.rcv(Rcv::HumiPV, std::lround(pvH * 10));
+        b.rcv(Rcv::TempMV, std::lround((55 + 10 * std::sin(s / 30.0)) * 100));
+        b.rcv(Rcv::HumiMV, std::lround((40 + 8 * std::cos(s / 25.0)) * 100));
+        b.rcv(Rcv::RunHours, 1);
+        b.rcv(Rcv::RunMinutes, 12 + s / 60);
+        b.rcv(Rcv::RunSeconds, s % 60);
+        b.rcv(Rcv::SegElapsedMinutes, s / 60);
+        b.graphTick();
+        clock = clock.addSecs(1);
+    }
+
+    QList<QImage> views;
+    for (int i = 0; i < 3; ++i) {
+        b.find<QPushButton>("btnSelectView", i)->click();
+        QApplication::processEvents();
+        views << form.grab().toImage();
+    }
+    QImage sheet(views[0].width(), views[0].height() * 3 + 16, QImage::Format_RGB32);
+    sheet.fill(QColor(90, 90, 90));
+    QPainter p(&sheet);
+    for (int i = 0; i < 3; ++i)
+        p.drawImage(0, i * (views[0].height() + 8), views[i]);
+    p.end();
+    if (!sheet.save(out)) {
+        std::fprintf(stderr, "cannot write %s\n", qPrintable(out));
+        return 1;
+    }
+    std::printf("%s\n", qPrintable(out));
+    return 0;
+}
