@@ -27,7 +27,10 @@ CommPort::OpenResult QtCommPort::open(const QString &device, const QString &sett
     default: m_port.setParity(QSerialPort::NoParity);
     }
     m_port.setFlowControl(QSerialPort::NoFlowControl);
-    if (!m_port.open(QIODevice::ReadWrite)) {
+    m_opening = true; // the error of a failed open is read here, not cleared by onError
+    const bool opened = m_port.open(QIODevice::ReadWrite);
+    m_opening = false;
+    if (!opened) {
         const auto err = m_port.error();
         m_lastError = m_port.errorString();
         m_port.clearError();
@@ -97,6 +100,8 @@ void QtCommPort::setRts(bool on)
 
 void QtCommPort::onError(QSerialPort::SerialPortError error)
 {
+    if (m_opening)
+        return;
     if (error == QSerialPort::ResourceError || error == QSerialPort::ReadError) {
         // The device is gone. The console still believes the port open (its
         // caption says so); the link now meets a silent line until the

@@ -25,5 +25,6 @@ private:
     QSerialPort m_port;
     bool m_open = false;      // open as far as the console is concerned
     bool m_vanished = false;  // the device went away while open
+    bool m_opening = false;
     QString m_lastError;
 };
