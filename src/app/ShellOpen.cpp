@@ -1,0 +1,28 @@
+#include "ShellOpen.h"
+#include <QDesktopServices>
+#include <QFileInfo>
+#include <QProcess>
+#include <QUrl>
+
+namespace {
+ShellOpenHandler &handler()
+{
+    static ShellOpenHandler h;
+    return h;
+}
+} // namespace
+
+void setShellOpenHandler(ShellOpenHandler h)
+{
+    handler() = std::move(h);
+}
+
+bool shellOpen(const QString &target, bool program)
+{
+    if (handler())
+        return handler()(target, program);
+    if (program)
+        return QProcess::startDetached(target, {}, QFileInfo(target).absolutePath());
+    const QUrl url = target.contains(QLatin1String("://")) ? QUrl(target) : QUrl::fromLocalFile(target);
+    return QDesktopServices::openUrl(url);
+}

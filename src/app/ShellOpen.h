@@ -1,0 +1,14 @@
+#pragma once
+#include <QString>
+#include <functional>
+
+// Opening a document with the desktop's viewer or starting a program, as the
+// desktop shell does it. target: a local path, or an address such as
+// "https://...". program: start the target instead of opening it.
+// Returns false when it could not be done.
+bool shellOpen(const QString &target, bool program = false);
+
+// Replaces how targets are opened (a locked-down station, or a test that
+// records them); an empty handler restores the desktop's way.
+using ShellOpenHandler = std::function<bool(const QString &target, bool program)>;
+void setShellOpenHandler(ShellOpenHandler handler);
