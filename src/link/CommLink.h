@@ -128,6 +128,7 @@ private:
     void scanAnswered(int slot, const QString &firmwareText, bool modbusText);
     void scanEnd();
     void moveToNextOnlineSlot();
+    void statusStored(int slot, const std::optional<RcvWords> &rows);
     void refreshIfFlagged();
     void bulkNextPattern();
     void programChainStep();

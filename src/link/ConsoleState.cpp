@@ -1,4 +1,5 @@
 #include "ConsoleState.h"
+#include "Dictionary.h"
 #include "Files.h"
 #include <cmath>
 
@@ -124,5 +125,5 @@ void ConsoleState::applyFirmwareOfRow(int row)
 
 int ConsoleState::WireAddress(int row) const
 {
-    return Modbus() && image.isCurrentLayout() ? 40100 + row : row;
+    return ::WireAddress(row, Modbus(), image.isCurrentLayout());
 }

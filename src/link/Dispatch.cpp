@@ -127,6 +127,24 @@ void CommLink::moveToNextOnlineSlot()
     m_st.PollSlot = m_st.next_online_slot(m_st.PollSlot + 1);
 }
 
+// The present values of a slot are in (or could not be read): the poll goes
+// on with the parameter block when a page wants it, else with the next slot.
+void CommLink::statusStored(int slot, const std::optional<RcvWords> &rows)
+{
+    ConsoleState &s = m_st;
+    if (rows)
+        Disp_RCV(slot, *rows);
+    else
+        WriteErrorLog(s.home, 9, QStringLiteral("RCV reply too short"), QStringLiteral("Disp_RCV"));
+    emit pollCompleted(slot);
+    if (s.ParamPageOpen || s.ParamChanged || s.RefreshOnOpen) {
+        s.CmdState = 3;
+    } else {
+        moveToNextOnlineSlot();
+        s.CmdState = 1;
+    }
+}
+
 void CommLink::refreshIfFlagged()
 {
     if (m_st.RefreshAfterWrite || m_st.RefreshOnOpen) {
@@ -384,20 +402,9 @@ void CommLink::dispatchPcLink()
         s.CmdState = 2;
         break;
     }
-    case 2: {
-        if (const auto rows = decodeRcvPcLink(QByteArrayView(f).sliced(std::min<qsizetype>(11, f.size()))))
-            Disp_RCV(slot, *rows);
-        else
-            WriteErrorLog(s.home, 9, QStringLiteral("RCV reply too short"), QStringLiteral("Disp_RCV"));
-        emit pollCompleted(slot);
-        if (s.ParamPageOpen || s.ParamChanged || s.RefreshOnOpen) {
-            s.CmdState = 3;
-        } else {
-            moveToNextOnlineSlot();
-            s.CmdState = 1;
-        }
+    case 2:
+        statusStored(slot, decodeRcvPcLink(QByteArrayView(f).sliced(std::min<qsizetype>(11, f.size()))));
         break;
-    }
     case 3: case 51: {
         const int index = num4(f, 12);
         if (index > 0)

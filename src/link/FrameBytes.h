@@ -1,6 +1,7 @@
 #pragma once
 // Reading words out of a received frame; a frame too short for its data throws,
 // which the guarded store routines log.
+#include "Encodings.h"
 #include "Files.h"
 #include <QByteArray>
 #include <QString>
@@ -28,12 +29,10 @@ inline int byteAt(const QByteArray &f, int offset)
     return quint8(f[offset]);
 }
 
+// A cell's number as a word on the wire, high byte first.
 inline QByteArray wordBytes(qint64 v)
 {
-    QByteArray d(2, '\0');
-    d[0] = char((v >> 8) & 0xFF);
-    d[1] = char(v & 0xFF);
-    return d;
+    return ::wordBytes(quint16(v & 0xFFFF));
 }
 
 } // namespace framebytes

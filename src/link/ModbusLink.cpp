@@ -209,20 +209,9 @@ void CommLink::dispatchModbus()
         Disp_RRP(slot, f, 3, 1, ControllerImage::RrpRows);
         s.CmdState = 2;
         break;
-    case 2: {
-        if (const auto rows = decodeRcvModbus(QByteArrayView(f).sliced(std::min<qsizetype>(3, f.size()))))
-            Disp_RCV(slot, *rows);
-        else
-            WriteErrorLog(s.home, 9, QStringLiteral("RCV reply too short"), QStringLiteral("Disp_RCV"));
-        emit pollCompleted(slot);
-        if (s.ParamPageOpen || s.ParamChanged || s.RefreshOnOpen) {
-            s.CmdState = 3;
-        } else {
-            moveToNextOnlineSlot();
-            s.CmdState = 1;
-        }
+    case 2:
+        statusStored(slot, decodeRcvModbus(QByteArrayView(f).sliced(std::min<qsizetype>(3, f.size()))));
         break;
-    }
     case 7:
         Disp_RUP(f, 3, 481, 32);
         s.CmdState = 77;

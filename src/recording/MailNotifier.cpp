@@ -1,5 +1,5 @@
 #include "MailNotifier.h"
-#include "NumberText.h"
+#include "Encodings.h"
 #include "mdlADO.h"
 #include <QCoreApplication>
 #include <QProcess>
@@ -83,7 +83,7 @@ void MailNotifier::beginStep()
 void MailNotifier::beginWord(int machineNumber)
 {
     m_body = m_clock().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")) + QStringLiteral(" Meter")
-        + formatZeros(machineNumber, QStringLiteral("000")) + u' ';
+        + formatNumber(machineNumber, QStringLiteral("000")) + u' ';
 }
 
 void MailNotifier::notify(const QString &label, qint64 oldWord, qint64 newWord)

@@ -1,6 +1,6 @@
 #include "RecordFiles.h"
 #include "Files.h"
-#include "NumberText.h"
+#include "Encodings.h"
 #include <QDir>
 #include <QFile>
 
@@ -19,7 +19,7 @@ QString historyFolder(const QString &home)
 
 QString eventFilePath(const QString &home, int machineNumber)
 {
-    return eventFilePath(home, formatZeros(machineNumber, QStringLiteral("000")));
+    return eventFilePath(home, formatNumber(machineNumber, QStringLiteral("000")));
 }
 
 QString eventFilePath(const QString &home, const QString &numberText)

@@ -1,7 +1,8 @@
 #include "RunLogger.h"
 #include "ConsoleState.h"
 #include "Files.h"
-#include "NumberText.h"
+#include "Encodings.h"
+#include "LiveStatus.h"
 #include "RecordFiles.h"
 #include <QDir>
 
@@ -14,11 +15,6 @@ QDateTime wholeSeconds(const QDateTime &t)
     return QDateTime::fromString(t.toString(kStampFormat), kStampFormat);
 }
 
-QString decimalsPattern(int decimals)
-{
-    return decimals <= 0 ? QStringLiteral("0") : QStringLiteral("0.") + QString(decimals, u'0');
-}
-
 // The six value texts of a machine's column, as the status table would show them.
 struct ValueTexts {
     QString tempSv, tempPv, tempOut, humiSv, humiPv, humiOut;
@@ -26,17 +22,13 @@ struct ValueTexts {
 
 ValueTexts valueTexts(const TextTable &rcv, int col, int tempDecimals)
 {
-    const QString tempPattern = decimalsPattern(tempDecimals);
     ValueTexts v;
-    v.tempSv = formatZeros((rcv.number(col, 1) - 10000) / 100.0, tempPattern);
-    const QString pv = formatZeros((rcv.number(col, 2) - 10000) / 100.0, tempPattern);
-    const double pvRounded = leadingNumber(pv);
-    v.tempPv = pvRounded >= -100 && pvRounded <= 200 ? pv : QStringLiteral("---.--");
-    v.tempOut = formatZeros(rcv.number(col, 3) / 100.0, QStringLiteral("0.00"));
-    v.humiSv = formatZeros(rcv.number(col, 4) / 10.0, QStringLiteral("0.0"));
-    const double hpv = rcv.number(col, 5) / 10.0;
-    v.humiPv = hpv >= 0 && hpv <= 100 ? formatZeros(hpv, QStringLiteral("0.0")) : QStringLiteral("---.-");
-    v.humiOut = formatZeros(rcv.number(col, 6) / 100.0, QStringLiteral("0.00"));
+    v.tempSv = tempSvText(rcv.number(col, Rcv::TempSV), tempDecimals);
+    v.tempPv = tempPvCheckedText(rcv.number(col, Rcv::TempPV), tempDecimals);
+    v.tempOut = outputText(rcv.number(col, Rcv::TempMV));
+    v.humiSv = humiSvText(rcv.number(col, Rcv::HumiSV));
+    v.humiPv = humiPvCheckedText(rcv.number(col, Rcv::HumiPV));
+    v.humiOut = outputText(rcv.number(col, Rcv::HumiMV));
     return v;
 }
 
@@ -44,18 +36,18 @@ ValueTexts valueTexts(const TextTable &rcv, int col, int tempDecimals)
 QByteArray formatRow(qint32 sequence, const QDateTime &at, const ValueTexts &v)
 {
     const QChar tab = u'\t';
-    QString row = formatZeros(sequence, QStringLiteral("00000000")) + tab
+    QString row = formatNumber(sequence, QStringLiteral("00000000")) + tab
         + at.toString(QStringLiteral("yyyy/MM/dd")) + tab
         + at.toString(QStringLiteral("HH:mm:ss")) + tab
-        + formatZeros(leadingNumber(v.tempSv), QStringLiteral("000.00")) + tab
-        + formatZeros(leadingNumber(v.tempPv), QStringLiteral("000.00")) + tab
-        + formatZeros(leadingNumber(v.tempOut), QStringLiteral("000.00")) + tab;
+        + formatNumber(leadingNumber(v.tempSv), QStringLiteral("000.00")) + tab
+        + formatNumber(leadingNumber(v.tempPv), QStringLiteral("000.00")) + tab
+        + formatNumber(leadingNumber(v.tempOut), QStringLiteral("000.00")) + tab;
     if (leadingNumber(v.humiSv) == 0) {
         row += QStringLiteral("**.*\t**.*\t***.**");
     } else {
-        row += formatZeros(leadingNumber(v.humiSv), QStringLiteral("00.0")) + tab
-            + formatZeros(leadingNumber(v.humiPv), QStringLiteral("00.0")) + tab
-            + formatZeros(leadingNumber(v.humiOut), QStringLiteral("000.00"));
+        row += formatNumber(leadingNumber(v.humiSv), QStringLiteral("00.0")) + tab
+            + formatNumber(leadingNumber(v.humiPv), QStringLiteral("00.0")) + tab
+            + formatNumber(leadingNumber(v.humiOut), QStringLiteral("000.00"));
     }
     row += QStringLiteral("\r\n");
     return row.toLatin1(); // the row is plain ASCII
@@ -118,13 +110,13 @@ void RunLogger::applySavedSettings(const SaveSettings &saved)
 
 QString RunLogger::logFilePath(int machineNumber, const QDateTime &at) const
 {
-    QString name = m_settings.SaveFileName + u'_' + formatZeros(machineNumber, QStringLiteral("000"));
+    QString name = m_settings.SaveFileName + u'_' + formatNumber(machineNumber, QStringLiteral("000"));
     if (m_settings.DailyFile) {
         // The log day starts at DayStartHour:DayStartMinute; before that the
         // rows still belong to yesterday's file. Compared as text, as written.
         const QString dayStart = at.toString(QStringLiteral("yyyy-MM-dd")) + u' '
-            + formatZeros(m_settings.DayStartHour, QStringLiteral("00")) + u':'
-            + formatZeros(m_settings.DayStartMinute, QStringLiteral("00")) + QStringLiteral(":00");
+            + formatNumber(m_settings.DayStartHour, QStringLiteral("00")) + u':'
+            + formatNumber(m_settings.DayStartMinute, QStringLiteral("00")) + QStringLiteral(":00");
         const QDate day = dayStart > at.toString(kStampFormat) ? at.date().addDays(-1) : at.date();
         name += u'_' + day.toString(QStringLiteral("yyyyMMdd"));
     }

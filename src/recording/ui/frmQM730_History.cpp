@@ -1,6 +1,6 @@
 #include "frmQM730_History.h"
 #include "RecordFiles.h"
-#include "RecordingMessages.h"
+#include "ConsoleMessages.h"
 #include <QAction>
 #include <QContextMenuEvent>
 #include <QHBoxLayout>
@@ -151,7 +151,7 @@ void frmQM730_History::mEditDel_Click()
     QList<int> rows;
     for (const QModelIndex &i : sprdHistory->selectionModel()->selectedRows())
         rows << i.row();
-    if (rows.isEmpty() || !confirmRecording(this, QStringLiteral("刪除?"), QStringLiteral("確認")))
+    if (rows.isEmpty() || !askConsoleYesNo(this, QStringLiteral("刪除?"), QStringLiteral("確認")))
         return;
     std::sort(rows.begin(), rows.end(), std::greater<int>());
     for (int r : rows)
@@ -161,7 +161,7 @@ void frmQM730_History::mEditDel_Click()
 
 void frmQM730_History::btnDelAll_Click()
 {
-    if (!confirmRecording(this, QStringLiteral("刪除?"), QStringLiteral("確認")))
+    if (!askConsoleYesNo(this, QStringLiteral("刪除?"), QStringLiteral("確認")))
         return;
     sprdHistory->setRowCount(0);
     rewriteFile();

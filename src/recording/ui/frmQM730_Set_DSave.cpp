@@ -1,6 +1,6 @@
 #include "frmQM730_Set_DSave.h"
 #include "Files.h"
-#include "RecordingMessages.h"
+#include "ConsoleMessages.h"
 #include "RunLogger.h"
 #include "frmSelectFolder.h"
 #include <QCheckBox>
@@ -176,11 +176,11 @@ void frmQM730_Set_DSave::chooseFolder()
 void frmQM730_Set_DSave::btnOK_Click()
 {
     if (lblFolder->text().isEmpty()) {
-        showRecordingMessage(this, QStringLiteral("選擇儲存路徑"));
+        showConsoleMessage(this, QStringLiteral("選擇儲存路徑"));
         return;
     }
     if (txtFName->text().isEmpty()) {
-        showRecordingMessage(this, QStringLiteral("錄入檔案名稱"));
+        showConsoleMessage(this, QStringLiteral("錄入檔案名稱"));
         return;
     }
     // Enter on OK does not take the focus from the interval: clamp it here too.
