@@ -1,6 +1,9 @@
 #pragma once
 #include "ConsoleCore.h"
-#include "UiTestSupport.h"
+#include "ModalDriver.h"
+#include "Pty.h"
+#include "TestHome.h"
+#include "Widgets.h"
 #include "frmQM730_Main.h"
 #include <QAction>
 #include <QLabel>
@@ -33,13 +36,7 @@ struct MainFixture {
     QAction *item(const QString &name) { return window->findChild<QAction *>(name); }
     QMenu *menu(const QString &name) { return window->findChild<QMenu *>(name); }
     template <class T = QWidget> T *widget(const QString &name) { return window->findChild<T *>(name); }
-    QPushButton *button(int index)
-    {
-        for (QPushButton *b : window->findChildren<QPushButton *>(QStringLiteral("btnMenu")))
-            if (b->property("Index").toInt() == index)
-                return b;
-        return nullptr;
-    }
+    QPushButton *button(int index) { return indexed<QPushButton>(*window, "btnMenu", index); }
     // The button's own flag: the system buttons sit on picSys, which the lock disables.
     bool buttonEnabled(int i) { return button(i)->isEnabledTo(button(i)->parentWidget()); }
     QString panel(int n) { return widget<QLabel>(QStringLiteral("Panel%1").arg(n))->text(); }

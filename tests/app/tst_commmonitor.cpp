@@ -1,14 +1,6 @@
 #include "MainFixture.h"
 #include <QElapsedTimer>
 
-class CommMonitorTest : public QObject {
-    Q_OBJECT
-private slots:
-    void frames();
-    void screenReplyIsOneRow();
-    void counters();
-};
-
 namespace {
 QString cell(QAbstractItemModel *m, int row, int col)
 {
@@ -16,79 +8,83 @@ QString cell(QAbstractItemModel *m, int row, int col)
 }
 } // namespace
 
-void CommMonitorTest::frames()
-{
-    MainFixture f;
-    CommLink &link = f.core->link();
-    QAbstractItemModel *m = f.widget<QTableView>("sprdComm")->model();
-    link.comm_log_add(QStringLiteral("傳送"), QByteArray("\x02\x0a\xff", 3));
-    link.comm_log_add(QStringLiteral("接收"), QByteArray("\x03\xc0", 2));
-    QCOMPARE(QStringList({cell(m, 0, 0), cell(m, 0, 1), cell(m, 0, 2), cell(m, 0, 3)}),
-             QStringList({"傳送", "02", "0A", "FF"}));
-    QCOMPARE(QStringList({cell(m, 1, 0), cell(m, 1, 2), cell(m, 1, 3)}), QStringList({"接收", "C0", ""}));
-    // Only the data cells of a received row are light green.
-    const QColor green(0xC0, 0xFF, 0xC0);
-    QCOMPARE(m->index(1, 1).data(Qt::BackgroundRole).value<QColor>(), green);
-    QCOMPARE(m->index(1, 2).data(Qt::BackgroundRole).value<QColor>(), green);
-    for (const auto &[row, col] : {std::pair{1, 0}, {1, 3}, {0, 1}})
-        QVERIFY(!m->index(row, col).data(Qt::BackgroundRole).isValid());
+class CommMonitorTest : public QObject {
+    Q_OBJECT
+private slots:
+    void frames()
+    {
+        MainFixture f;
+        CommLink &link = f.core->link();
+        QAbstractItemModel *m = f.widget<QTableView>("sprdComm")->model();
+        link.comm_log_add(QStringLiteral("傳送"), QByteArray("\x02\x0a\xff", 3));
+        link.comm_log_add(QStringLiteral("接收"), QByteArray("\x03\xc0", 2));
+        QCOMPARE(QStringList({cell(m, 0, 0), cell(m, 0, 1), cell(m, 0, 2), cell(m, 0, 3)}),
+                 QStringList({"傳送", "02", "0A", "FF"}));
+        QCOMPARE(QStringList({cell(m, 1, 0), cell(m, 1, 2), cell(m, 1, 3)}), QStringList({"接收", "C0", ""}));
+        // Only the data cells of a received row are light green.
+        const QColor green(0xC0, 0xFF, 0xC0);
+        QCOMPARE(m->index(1, 1).data(Qt::BackgroundRole).value<QColor>(), green);
+        QCOMPARE(m->index(1, 2).data(Qt::BackgroundRole).value<QColor>(), green);
+        for (const auto &[row, col] : {std::pair{1, 0}, {1, 3}, {0, 1}})
+            QVERIFY(!m->index(row, col).data(Qt::BackgroundRole).isValid());
 
-    // The frame that would be row 1001 empties the table and becomes row 1.
-    for (int i = 2; i < 1000; ++i)
-        link.comm_log_add(QStringLiteral("傳送"), QByteArray(1, char(i & 0x7F)));
-    QCOMPARE(m->rowCount(), 1000);
-    QCOMPARE(cell(m, 999, 1), QStringLiteral("67"));
-    link.comm_log_add(QStringLiteral("接收"), QByteArray("\xAB\xCD", 2));
-    QCOMPARE(m->rowCount(), 1);
-    QCOMPARE(QStringList({cell(m, 0, 0), cell(m, 0, 1), cell(m, 0, 2)}), QStringList({"接收", "AB", "CD"}));
+        // The frame that would be row 1001 empties the table and becomes row 1.
+        for (int i = 2; i < 1000; ++i)
+            link.comm_log_add(QStringLiteral("傳送"), QByteArray(1, char(i & 0x7F)));
+        QCOMPARE(m->rowCount(), 1000);
+        QCOMPARE(cell(m, 999, 1), QStringLiteral("67"));
+        link.comm_log_add(QStringLiteral("接收"), QByteArray("\xAB\xCD", 2));
+        QCOMPARE(m->rowCount(), 1);
+        QCOMPARE(QStringList({cell(m, 0, 0), cell(m, 0, 1), cell(m, 0, 2)}), QStringList({"接收", "AB", "CD"}));
 
-    // mHelpCommData shows and hides the view with its check mark.
-    QVERIFY(!f.widget("picCommData")->isVisible());
-    f.item("mHelpCommData")->trigger();
-    QVERIFY(f.item("mHelpCommData")->isChecked() && f.widget("picCommData")->isVisible());
-    f.item("mHelpCommData")->trigger();
-    QVERIFY(!f.item("mHelpCommData")->isChecked() && !f.widget("picCommData")->isVisible());
-}
+        // mHelpCommData shows and hides the view with its check mark.
+        QVERIFY(!f.widget("picCommData")->isVisible());
+        f.item("mHelpCommData")->trigger();
+        QVERIFY(f.item("mHelpCommData")->isChecked() && f.widget("picCommData")->isVisible());
+        f.item("mHelpCommData")->trigger();
+        QVERIFY(!f.item("mHelpCommData")->isChecked() && !f.widget("picCommData")->isVisible());
+    }
 
-void CommMonitorTest::screenReplyIsOneRow()
-{
-    MainFixture f;
-    f.item("mHelpCommData")->trigger();
-    auto *view = f.widget<QTableView>("sprdComm");
-    QByteArray reply(76814, '\x5A');
-    reply[76813] = '\x0A';
-    QElapsedTimer clock;
-    clock.start();
-    f.core->link().comm_log_add(QStringLiteral("接收"), reply);
-    f.core->link().comm_log_add(QStringLiteral("傳送"), QByteArray("\x02", 1));
-    view->scrollTo(view->model()->index(0, 76814));
-    view->grab();
-    QVERIFY2(clock.elapsed() < 2000, qPrintable(QString::number(clock.elapsed())));
-    QCOMPARE(view->model()->columnCount(), 76815);
-    QCOMPARE(cell(view->model(), 0, 76814), QStringLiteral("0A"));
-    QVERIFY(cell(view->model(), 1, 76814).isEmpty());
-}
+    void screenReplyIsOneRow()
+    {
+        MainFixture f;
+        f.item("mHelpCommData")->trigger();
+        auto *view = f.widget<QTableView>("sprdComm");
+        QByteArray reply(76814, '\x5A');
+        reply[76813] = '\x0A';
+        QElapsedTimer clock;
+        clock.start();
+        f.core->link().comm_log_add(QStringLiteral("接收"), reply);
+        f.core->link().comm_log_add(QStringLiteral("傳送"), QByteArray("\x02", 1));
+        view->scrollTo(view->model()->index(0, 76814));
+        view->grab();
+        QVERIFY2(clock.elapsed() < 2000, qPrintable(QString::number(clock.elapsed())));
+        QCOMPARE(view->model()->columnCount(), 76815);
+        QCOMPARE(cell(view->model(), 0, 76814), QStringLiteral("0A"));
+        QVERIFY(cell(view->model(), 1, 76814).isEmpty());
+    }
 
-void CommMonitorTest::counters()
-{
-    MainFixture f([](TestHome &h) { h.machines({true, true}); });
-    f.item("mHelpCommData")->trigger();
-    QAbstractItemModel *m = f.widget<QTableView>("sprdCommState")->model();
-    QCOMPARE(m->headerData(1, Qt::Vertical).toString(), QStringLiteral("2"));
-    QCOMPARE(m->headerData(2, Qt::Horizontal).toString(), QStringLiteral("逾時"));
-    // Time-outs of the first slot; the port is closed, so nothing is resent.
-    f.core->link().tmrRecvErr_Timer();
-    QTRY_COMPARE(cell(m, 0, 2), QStringLiteral("1"));
-    f.core->link().tmrRecvErr_Timer();
-    QTRY_COMPARE(cell(m, 0, 2), QStringLiteral("2"));
-    for (int col = 0; col < 4; ++col)
-        QVERIFY(cell(m, 1, col).isEmpty() && (col == 2 || cell(m, 0, col).isEmpty()));
+    void counters()
+    {
+        MainFixture f([](TestHome &h) { h.machines({true, true}); });
+        f.item("mHelpCommData")->trigger();
+        QAbstractItemModel *m = f.widget<QTableView>("sprdCommState")->model();
+        QCOMPARE(m->headerData(1, Qt::Vertical).toString(), QStringLiteral("2"));
+        QCOMPARE(m->headerData(2, Qt::Horizontal).toString(), QStringLiteral("逾時"));
+        // Time-outs of the first slot; the port is closed, so nothing is resent.
+        f.core->link().tmrRecvErr_Timer();
+        QTRY_COMPARE(cell(m, 0, 2), QStringLiteral("1"));
+        f.core->link().tmrRecvErr_Timer();
+        QTRY_COMPARE(cell(m, 0, 2), QStringLiteral("2"));
+        for (int col = 0; col < 4; ++col)
+            QVERIFY(cell(m, 1, col).isEmpty() && (col == 2 || cell(m, 0, col).isEmpty()));
 
-    QTest::mouseClick(f.widget<QPushButton>("btnCountClear"), Qt::LeftButton);
-    QVERIFY(cell(m, 0, 2).isEmpty());
-    QVERIFY(f.state().sprdCommState.text(3, 1).isEmpty());
-    QCOMPARE(m->headerData(0, Qt::Vertical).toString(), QStringLiteral("1"));
-}
+        QTest::mouseClick(f.widget<QPushButton>("btnCountClear"), Qt::LeftButton);
+        QVERIFY(cell(m, 0, 2).isEmpty());
+        QVERIFY(f.state().sprdCommState.text(3, 1).isEmpty());
+        QCOMPARE(m->headerData(0, Qt::Vertical).toString(), QStringLiteral("1"));
+    }
+};
 
 QTEST_MAIN(CommMonitorTest)
 #include "tst_commmonitor.moc"

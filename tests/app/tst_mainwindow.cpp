@@ -29,327 +29,316 @@ QStringList switchedOn(MainFixture &f)
 class MainWindowTest : public QObject {
     Q_OBJECT
 private slots:
-    void captions();
-    void startAndPortOnPty();
-    void menusFollowTheLink();
-    void machineSelection();
-    void locks();
-    void lamps();
-    void shutdownAsks();
-    void patternSource();
-    void screenOpeners();
-    void helpFilesAndAbout();
-};
-
-void MainWindowTest::captions()
-{
-    MainFixture f;
-    QCOMPARE(f.window->windowTitle(), QStringLiteral("QM730 OV5.1.0"));
-    for (const QString &pair : QStringLiteral(
-             "mSet=通訊管理|mOnline=連線|mPrg=程式設定|mFunc=運轉設定|mSys=系統設定|mHelp=幫助").split('|'))
-        QCOMPARE(f.menu(pair.section('=', 0, 0))->title(), pair.section('=', 1));
-    for (const QString &pair : QStringLiteral(
-             "mSetPort=通訊參數|mSetChannel=監控模式|mSetDataSave=數據儲存|mSetEMail=&E-mail|mSetSysPass=密碼變更|"
-             "mExit=退出|mOnlinePortOpen=通訊端口開啟|mOnlineDownload=參數接收/檔案儲存|mOnlineUpload=檔案讀取/參數傳送|"
-             "mOnlineDateTime=日期/時間設定|mOnlineScreen=擷取儀表當前畫面|mOnlineRun=單機操作|mOnlineRunMulti=多機操作|"
-             "mOnlineMonMulti=多機監控|mPrgPTN=程式組設定|mPrgSEG=程式段設定|mPrgManagement=程式管理|mFuncRun=運轉設定|"
-             "mFuncGrpSave=曲線儲存設定|mSysLock=鎖開啟|mSysSensor=傳感器輸入設定|mSysControl=控制輸出設定|"
-             "mSysInner=內部信號設定|mSysAlarm=系統警報設定|mSysPID=PID 設定|mSysDI=D/I 狀態設定|mSysDO=D/O 狀態設定|"
-             "mSysCommunication=通信設定|mSysETC=其他設定|mHelpAbout=關於|mHelpHelp=幫助|mHelpManual=QM730 操作手册|"
-             "mHelpGV=歷史數據查看|mHelpHistory=歷史事件查看|mHelpCommData=通訊狀態查看|mHelpLock=Program &Lock")
-                                   .split('|')) {
-        QAction *a = f.item(pair.section('=', 0, 0));
-        QVERIFY2(a, qPrintable(pair));
-        QCOMPARE(a->text(), pair.section('=', 1));
+    void captions()
+    {
+        MainFixture f;
+        QCOMPARE(f.window->windowTitle(), QStringLiteral("QM730 OV5.1.0"));
+        for (const QString &pair : QStringLiteral(
+                 "mSet=通訊管理|mOnline=連線|mPrg=程式設定|mFunc=運轉設定|mSys=系統設定|mHelp=幫助").split('|'))
+            QCOMPARE(f.menu(pair.section('=', 0, 0))->title(), pair.section('=', 1));
+        for (const QString &pair : QStringLiteral(
+                 "mSetPort=通訊參數|mSetChannel=監控模式|mSetDataSave=數據儲存|mSetEMail=&E-mail|mSetSysPass=密碼變更|"
+                 "mExit=退出|mOnlinePortOpen=通訊端口開啟|mOnlineDownload=參數接收/檔案儲存|mOnlineUpload=檔案讀取/參數傳送|"
+                 "mOnlineDateTime=日期/時間設定|mOnlineScreen=擷取儀表當前畫面|mOnlineRun=單機操作|mOnlineRunMulti=多機操作|"
+                 "mOnlineMonMulti=多機監控|mPrgPTN=程式組設定|mPrgSEG=程式段設定|mPrgManagement=程式管理|mFuncRun=運轉設定|"
+                 "mFuncGrpSave=曲線儲存設定|mSysLock=鎖開啟|mSysSensor=傳感器輸入設定|mSysControl=控制輸出設定|"
+                 "mSysInner=內部信號設定|mSysAlarm=系統警報設定|mSysPID=PID 設定|mSysDI=D/I 狀態設定|mSysDO=D/O 狀態設定|"
+                 "mSysCommunication=通信設定|mSysETC=其他設定|mHelpAbout=關於|mHelpHelp=幫助|mHelpManual=QM730 操作手册|"
+                 "mHelpGV=歷史數據查看|mHelpHistory=歷史事件查看|mHelpCommData=通訊狀態查看|mHelpLock=Program &Lock")
+                                       .split('|')) {
+            QAction *a = f.item(pair.section('=', 0, 0));
+            QVERIFY2(a, qPrintable(pair));
+            QCOMPARE(a->text(), pair.section('=', 1));
+        }
+        const QStringList buttons = QStringLiteral(
+            "通訊端口開啟|日期/時間設定|單機|程式組設定|程式段設定|程式管理|運轉設定|曲線儲存設定|傳感器輸入設定|"
+            "控制輸出設定|內部信號設定|系統警報設定|PID 設定|D/I 狀態設定|D/O 狀態設定|通信設定|其他設定|多機|多機監控").split('|');
+        QCOMPARE(f.window->findChildren<QPushButton *>(QStringLiteral("btnMenu")).size(), 19);
+        for (int i = 0; i < 19; ++i)
+            QCOMPARE(f.button(i)->text(), buttons[i]);
+        QStringList labels;
+        for (QLabel *l : f.window->findChildren<QLabel *>())
+            labels << l->text();
+        for (const QString &t : QStringLiteral("連線|程式設定|運轉設定|系統設定|傳送|接收|連接確認中 ...").split('|'))
+            QVERIFY2(labels.contains(t), qPrintable(t));
+        const auto options = f.window->findChildren<QRadioButton *>(QStringLiteral("optPTN_Data"));
+        QCOMPARE(options.size(), 2);
+        QCOMPARE(options[0]->text() + options[1]->text(), QStringLiteral("從QM730從文件"));
+        QCOMPARE(options[1]->property("Index").toInt(), 1);
     }
-    const QStringList buttons = QStringLiteral(
-        "通訊端口開啟|日期/時間設定|單機|程式組設定|程式段設定|程式管理|運轉設定|曲線儲存設定|傳感器輸入設定|"
-        "控制輸出設定|內部信號設定|系統警報設定|PID 設定|D/I 狀態設定|D/O 狀態設定|通信設定|其他設定|多機|多機監控").split('|');
-    QCOMPARE(f.window->findChildren<QPushButton *>(QStringLiteral("btnMenu")).size(), 19);
-    for (int i = 0; i < 19; ++i)
-        QCOMPARE(f.button(i)->text(), buttons[i]);
-    QStringList labels;
-    for (QLabel *l : f.window->findChildren<QLabel *>())
-        labels << l->text();
-    for (const QString &t : QStringLiteral("連線|程式設定|運轉設定|系統設定|傳送|接收|連接確認中 ...").split('|'))
-        QVERIFY2(labels.contains(t), qPrintable(t));
-    const auto options = f.window->findChildren<QRadioButton *>(QStringLiteral("optPTN_Data"));
-    QCOMPARE(options.size(), 2);
-    QCOMPARE(options[0]->text() + options[1]->text(), QStringLiteral("從QM730從文件"));
-    QCOMPARE(options[1]->property("Index").toInt(), 1);
-}
 
-void MainWindowTest::startAndPortOnPty()
-{
-    Pty pty;
-    MainFixture f([&](TestHome &h) {
-        h.mapPorts({"COM1=" + pty.path, "COM2=/nonexistent/ttyQM"});
-        h.machines({true, false, true});
-    });
-    QCOMPARE(QStringList({f.panel(1), f.panel(2), f.panel(6)}), QStringList({"COM1", "115200,N,8,1", "PC Link"}));
-    QCOMPARE(f.widget<QTableView>("sprdStatus")->model()->index(1, 0).data().toString(), QStringLiteral("3"));
-    QCOMPARE(switchedOn(f), QStringList({"mSetPort", "mSetChannel"}));
-
-    // A port that cannot be opened changes nothing and says nothing.
-    ModalDriver d;
-    f.state().CommPortNo = 2;
-    f.item("mOnlinePortOpen")->trigger();
-    QCOMPARE(f.item("mOnlinePortOpen")->text(), QStringLiteral("通訊端口開啟"));
-    QVERIFY(f.panel(3).isEmpty());
-    f.state().CommPortNo = 1;
-    QTest::mouseClick(f.button(0), Qt::LeftButton);
-    QCOMPARE(f.item("mOnlinePortOpen")->text(), QStringLiteral("通訊端口關閉"));
-    QCOMPARE(f.button(0)->text(), QStringLiteral("通訊端口關閉"));
-    QCOMPARE(f.panel(3), QStringLiteral("OPEN"));
-    QVERIFY(f.widget("lblMsg_STS")->isVisible());
-    QByteArray line; // the scan's first WHO reaches the far end
-    QTRY_VERIFY((line += pty.readMaster()).contains("WHO"));
-
-    f.state().machines[0].MachineOnline = true; // as if a machine had answered
-    f.core->link().update_menus();
-    f.item("mOnlinePortOpen")->trigger();
-    QCOMPARE(f.item("mOnlinePortOpen")->text(), QStringLiteral("通訊端口開啟"));
-    QCOMPARE(f.button(0)->text(), QStringLiteral("通訊端口開啟"));
-    QCOMPARE(f.panel(3), QStringLiteral("CLOSE"));
-    QVERIFY(!f.widget("lblMsg_STS")->isVisible());
-    QVERIFY(!f.core->link().isPortOpen());
-    QCOMPARE(switchedOn(f), QStringList({"mSetPort", "mSetChannel"}));
-    QVERIFY(d.unexpected.isEmpty());
-}
-
-void MainWindowTest::menusFollowTheLink()
-{
-    for (const QString &protocol : {QStringLiteral("PC Link"), QStringLiteral("Modbus RTU")}) {
+    void startAndPortOnPty()
+    {
+        Pty pty;
         MainFixture f([&](TestHome &h) {
-            h.machines({true, true});
-            h.writePortCfg(protocol);
+            h.mapPorts({"COM1=" + pty.path, "COM2=/nonexistent/ttyQM"});
+            h.machines({true, false, true});
         });
-        f.state().machines[1].MachineOnline = true;
-        f.core->link().update_menus();
-        QStringList all = switchedOn(f);
-        QCOMPARE(all.size(), 3 + 7 + 18 + 1 - (protocol == QLatin1String("Modbus RTU")));
-        QVERIFY(!all.contains("mSetPort") && !all.contains("mSetChannel"));
-        QCOMPARE(all.contains("mOnlineScreen"), protocol == QLatin1String("PC Link"));
-
-        f.state().machines[1].MachineOnline = false;
-        f.core->link().update_menus();
+        QCOMPARE(QStringList({f.panel(1), f.panel(2), f.panel(6)}), QStringList({"COM1", "115200,N,8,1", "PC Link"}));
+        QCOMPARE(f.widget<QTableView>("sprdStatus")->model()->index(1, 0).data().toString(), QStringLiteral("3"));
         QCOMPARE(switchedOn(f), QStringList({"mSetPort", "mSetChannel"}));
+
+        // A port that cannot be opened changes nothing and says nothing.
+        ModalDriver d;
+        f.state().CommPortNo = 2;
+        f.item("mOnlinePortOpen")->trigger();
+        QCOMPARE(f.item("mOnlinePortOpen")->text(), QStringLiteral("通訊端口開啟"));
+        QVERIFY(f.panel(3).isEmpty());
+        f.state().CommPortNo = 1;
+        QTest::mouseClick(f.button(0), Qt::LeftButton);
+        QCOMPARE(f.item("mOnlinePortOpen")->text(), QStringLiteral("通訊端口關閉"));
+        QCOMPARE(f.button(0)->text(), QStringLiteral("通訊端口關閉"));
+        QCOMPARE(f.panel(3), QStringLiteral("OPEN"));
+        QVERIFY(f.widget("lblMsg_STS")->isVisible());
+        QByteArray line; // the scan's first WHO reaches the far end
+        QTRY_VERIFY((line += pty.readMaster()).contains("WHO"));
+
+        f.state().machines[0].MachineOnline = true; // as if a machine had answered
+        f.core->link().update_menus();
+        f.item("mOnlinePortOpen")->trigger();
+        QCOMPARE(f.item("mOnlinePortOpen")->text(), QStringLiteral("通訊端口開啟"));
+        QCOMPARE(f.button(0)->text(), QStringLiteral("通訊端口開啟"));
+        QCOMPARE(f.panel(3), QStringLiteral("CLOSE"));
+        QVERIFY(!f.widget("lblMsg_STS")->isVisible());
+        QVERIFY(!f.core->link().isPortOpen());
+        QCOMPARE(switchedOn(f), QStringList({"mSetPort", "mSetChannel"}));
+        QVERIFY(d.unexpected.isEmpty());
     }
-}
 
-void MainWindowTest::machineSelection()
-{
-    MainFixture f([](TestHome &h) { h.machines({true, true, true}); });
-    TextTable &t = f.state().sprdStatus;
-    f.clickMachineRow(1);
-    QCOMPARE(f.panel(4), QStringLiteral("開啟通訊端口"));
-    t.setColor(2, 2, TextTable::Black);
-    f.clickMachineRow(2);
-    QCOMPARE(f.panel(4), QStringLiteral("不可使用的機號"));
+    void menusFollowTheLink()
+    {
+        for (const QString &protocol : {QStringLiteral("PC Link"), QStringLiteral("Modbus RTU")}) {
+            MainFixture f([&](TestHome &h) {
+                h.machines({true, true});
+                h.writePortCfg(protocol);
+            });
+            f.state().machines[1].MachineOnline = true;
+            f.core->link().update_menus();
+            QStringList all = switchedOn(f);
+            QCOMPARE(all.size(), 3 + 7 + 18 + 1 - (protocol == QLatin1String("Modbus RTU")));
+            QVERIFY(!all.contains("mSetPort") && !all.contains("mSetChannel"));
+            QCOMPARE(all.contains("mOnlineScreen"), protocol == QLatin1String("PC Link"));
 
-    for (int row : {1, 3})
-        t.setColor(2, row, TextTable::Green);
-    t.setText(3, 1, QStringLiteral("2.20"));
-    t.setText(3, 3, QStringLiteral("2.09"));
-    f.clickMachineRow(1);
-    QVERIFY(f.panel(4).isEmpty());
-    QCOMPARE(f.state().CurrentMachine, 1);
-    QCOMPARE(f.widget<QLabel>("lblMC_No")->text(), QStringLiteral("1"));
-    QCOMPARE(f.state().PatternCount(), 100);
-    // The same machine again keeps the program image; another one clears it.
-    ControllerImage &image = f.state().image;
-    image.PatternLoaded[4] = image.PatternNameLoaded[7] = true;
-    f.clickMachineRow(1);
-    QVERIFY(image.PatternLoaded[4] && image.PatternNameLoaded[7]);
-    f.clickMachineRow(3);
-    QVERIFY(!image.PatternLoaded[4] && !image.PatternNameLoaded[7]);
-    QCOMPARE(f.state().CurrentMachine, 3);
-    QCOMPARE(f.widget<QLabel>("lblMC_No")->text(), QStringLiteral("3"));
-    QCOMPARE(f.state().PatternCount(), 300);
-    QCOMPARE(image.sprdUP.rowCount(), 492);
-}
+            f.state().machines[1].MachineOnline = false;
+            f.core->link().update_menus();
+            QCOMPARE(switchedOn(f), QStringList({"mSetPort", "mSetChannel"}));
+        }
+    }
 
-void MainWindowTest::locks()
-{
-    MainFixture f;
-    ModalDriver d;
-    // Program lock: the port, leaving and the settings pages are refused.
-    f.item("mHelpLock")->trigger();
-    QCOMPARE(f.item("mHelpLock")->text(), QStringLiteral("Program &Unlock"));
-    QVERIFY(f.state().SystemLocked);
-    d.box();
-    f.item("mOnlinePortOpen")->trigger();
-    d.box();
-    QVERIFY(!f.window->close());
-    QCOMPARE(d.met, QStringList({"鎖關閉 => 鎖開啟", "鎖關閉 => 鎖開啟"}));
-    QVERIFY(!f.core->link().isPortOpen());
-    for (const char *i : {"mSetPort", "mSetChannel", "mSetDataSave", "mSetEMail"})
-        f.item(i)->trigger();
-    d.dialog("btnCancel");
-    f.item("mHelpLock")->trigger();
-    QVERIFY(f.state().SystemLocked);
-    d.dialog("btnOK", "txtSysPass", QStringLiteral("nolk8264"));
-    f.item("mHelpLock")->trigger();
-    QVERIFY(!f.state().SystemLocked);
-    QCOMPARE(f.item("mHelpLock")->text(), QStringLiteral("Program &Lock"));
-    d.dialog("btnCancel");
-    f.item("mSetPort")->trigger();
-    QCOMPARE(d.met.last(), QStringLiteral("frmQM730_Set_Port"));
+    void machineSelection()
+    {
+        MainFixture f([](TestHome &h) { h.machines({true, true, true}); });
+        TextTable &t = f.state().sprdStatus;
+        f.clickMachineRow(1);
+        QCOMPARE(f.panel(4), QStringLiteral("開啟通訊端口"));
+        t.setColor(2, 2, TextTable::Black);
+        f.clickMachineRow(2);
+        QCOMPARE(f.panel(4), QStringLiteral("不可使用的機號"));
 
-    // System lock: three wrong tries leave the pages locked, the password opens them.
-    auto pagesEnabled = [&] {
-        int n = f.widget("picSys")->isEnabled();
-        for (const char *p : {"mSysSensor", "mSysControl", "mSysInner", "mSysAlarm", "mSysPID", "mSysDI", "mSysDO",
-                              "mSysCommunication", "mSysETC"})
-            n += f.item(p)->isEnabled();
-        return n;
-    };
-    QCOMPARE(pagesEnabled(), 0);
-    for (int i = 0; i < 3; ++i) {
-        d.dialog("btnOK", "txtSysPass", QStringLiteral("guess"));
+        for (int row : {1, 3})
+            t.setColor(2, row, TextTable::Green);
+        t.setText(3, 1, QStringLiteral("2.20"));
+        t.setText(3, 3, QStringLiteral("2.09"));
+        f.clickMachineRow(1);
+        QVERIFY(f.panel(4).isEmpty());
+        QCOMPARE(f.state().CurrentMachine, 1);
+        QCOMPARE(f.widget<QLabel>("lblMC_No")->text(), QStringLiteral("1"));
+        QCOMPARE(f.state().PatternCount(), 100);
+        // The same machine again keeps the program image; another one clears it.
+        ControllerImage &image = f.state().image;
+        image.PatternLoaded[4] = image.PatternNameLoaded[7] = true;
+        f.clickMachineRow(1);
+        QVERIFY(image.PatternLoaded[4] && image.PatternNameLoaded[7]);
+        f.clickMachineRow(3);
+        QVERIFY(!image.PatternLoaded[4] && !image.PatternNameLoaded[7]);
+        QCOMPARE(f.state().CurrentMachine, 3);
+        QCOMPARE(f.widget<QLabel>("lblMC_No")->text(), QStringLiteral("3"));
+        QCOMPARE(f.state().PatternCount(), 300);
+        QCOMPARE(image.sprdUP.rowCount(), 492);
+    }
+
+    void locks()
+    {
+        MainFixture f;
+        ModalDriver d;
+        // Program lock: the port, leaving and the settings pages are refused.
+        f.item("mHelpLock")->trigger();
+        QCOMPARE(f.item("mHelpLock")->text(), QStringLiteral("Program &Unlock"));
+        QVERIFY(f.state().SystemLocked);
         d.box();
+        f.item("mOnlinePortOpen")->trigger();
+        d.box();
+        QVERIFY(!f.window->close());
+        QCOMPARE(d.met, QStringList({"鎖關閉 => 鎖開啟", "鎖關閉 => 鎖開啟"}));
+        QVERIFY(!f.core->link().isPortOpen());
+        for (const char *i : {"mSetPort", "mSetChannel", "mSetDataSave", "mSetEMail"})
+            f.item(i)->trigger();
+        d.dialog("btnCancel");
+        f.item("mHelpLock")->trigger();
+        QVERIFY(f.state().SystemLocked);
+        d.dialog("btnOK", "txtSysPass", QStringLiteral("nolk8264"));
+        f.item("mHelpLock")->trigger();
+        QVERIFY(!f.state().SystemLocked);
+        QCOMPARE(f.item("mHelpLock")->text(), QStringLiteral("Program &Lock"));
+        d.dialog("btnCancel");
+        f.item("mSetPort")->trigger();
+        QCOMPARE(d.met.last(), QStringLiteral("frmQM730_Set_Port"));
+
+        // System lock: three wrong tries leave the pages locked, the password opens them.
+        auto pagesEnabled = [&] {
+            int n = f.widget("picSys")->isEnabled();
+            for (const char *p : {"mSysSensor", "mSysControl", "mSysInner", "mSysAlarm", "mSysPID", "mSysDI", "mSysDO",
+                                  "mSysCommunication", "mSysETC"})
+                n += f.item(p)->isEnabled();
+            return n;
+        };
+        QCOMPARE(pagesEnabled(), 0);
+        for (int i = 0; i < 3; ++i) {
+            d.dialog("btnOK", "txtSysPass", QStringLiteral("guess"));
+            d.box();
+        }
+        f.item("mSysLock")->trigger();
+        QCOMPARE(f.item("mSysLock")->text(), QStringLiteral("鎖開啟"));
+        QCOMPARE(pagesEnabled(), 0);
+        d.dialog("btnOK", "txtSysPass", QStringLiteral("NOLK8264"));
+        f.item("mSysLock")->trigger();
+        QCOMPARE(f.item("mSysLock")->text(), QStringLiteral("鎖關閉"));
+        QCOMPARE(pagesEnabled(), 10);
+        f.item("mSysLock")->trigger(); // locking needs no password
+        QCOMPARE(f.item("mSysLock")->text(), QStringLiteral("鎖開啟"));
+        QCOMPARE(pagesEnabled(), 0);
+        QVERIFY(d.done() && d.unexpected.isEmpty());
     }
-    f.item("mSysLock")->trigger();
-    QCOMPARE(f.item("mSysLock")->text(), QStringLiteral("鎖開啟"));
-    QCOMPARE(pagesEnabled(), 0);
-    d.dialog("btnOK", "txtSysPass", QStringLiteral("NOLK8264"));
-    f.item("mSysLock")->trigger();
-    QCOMPARE(f.item("mSysLock")->text(), QStringLiteral("鎖關閉"));
-    QCOMPARE(pagesEnabled(), 10);
-    f.item("mSysLock")->trigger(); // locking needs no password
-    QCOMPARE(f.item("mSysLock")->text(), QStringLiteral("鎖開啟"));
-    QCOMPARE(pagesEnabled(), 0);
-    QVERIFY(d.done() && d.unexpected.isEmpty());
-}
 
-void MainWindowTest::lamps()
-{
-    MainFixture f;
-    auto *sendTimer = f.window->findChild<QTimer *>(QStringLiteral("tmrBall_Send"));
-    auto *recvTimer = f.window->findChild<QTimer *>(QStringLiteral("tmrBall_Recv"));
-    QCOMPARE(sendTimer->interval(), 100);
-    QTest::mouseClick(f.widget("Label1"), Qt::LeftButton);
-    QCOMPARE(sendTimer->interval(), 110);
-    sendTimer->setInterval(59990);
-    QTest::mouseClick(f.widget("Label1"), Qt::LeftButton);
-    QTest::mouseClick(f.widget("Label1"), Qt::LeftButton);
-    QCOMPARE(sendTimer->interval(), 60000);
-    recvTimer->setInterval(20);
-    QTest::mouseClick(f.widget("Label2"), Qt::RightButton);
-    QTest::mouseClick(f.widget("Label2"), Qt::RightButton);
-    QCOMPARE(recvTimer->interval(), 10);
+    void lamps()
+    {
+        MainFixture f;
+        auto *sendTimer = f.window->findChild<QTimer *>(QStringLiteral("tmrBall_Send"));
+        auto *recvTimer = f.window->findChild<QTimer *>(QStringLiteral("tmrBall_Recv"));
+        QCOMPARE(sendTimer->interval(), 100);
+        QTest::mouseClick(f.widget("Label1"), Qt::LeftButton);
+        QCOMPARE(sendTimer->interval(), 110);
+        sendTimer->setInterval(59990);
+        QTest::mouseClick(f.widget("Label1"), Qt::LeftButton);
+        QTest::mouseClick(f.widget("Label1"), Qt::LeftButton);
+        QCOMPARE(sendTimer->interval(), 60000);
+        recvTimer->setInterval(20);
+        QTest::mouseClick(f.widget("Label2"), Qt::RightButton);
+        QTest::mouseClick(f.widget("Label2"), Qt::RightButton);
+        QCOMPARE(recvTimer->interval(), 10);
 
-    // Red on a send, green on a reply, black when the lit time is over.
-    sendTimer->setInterval(100);
-    emit f.core->link().frameSent();
-    emit f.core->link().bytesReceived();
-    QCOMPARE(f.widget<ActivityLamp>("shpSend")->fillColor(), 255);
-    QCOMPARE(f.widget<ActivityLamp>("shpRecv")->fillColor(), 65280);
-    QTRY_COMPARE(f.widget<ActivityLamp>("shpSend")->fillColor(), 0);
-    QTRY_COMPARE(f.widget<ActivityLamp>("shpRecv")->fillColor(), 0);
-}
+        // Red on a send, green on a reply, black when the lit time is over.
+        sendTimer->setInterval(100);
+        emit f.core->link().frameSent();
+        emit f.core->link().bytesReceived();
+        QCOMPARE(f.widget<ActivityLamp>("shpSend")->fillColor(), 255);
+        QCOMPARE(f.widget<ActivityLamp>("shpRecv")->fillColor(), 65280);
+        QTRY_COMPARE(f.widget<ActivityLamp>("shpSend")->fillColor(), 0);
+        QTRY_COMPARE(f.widget<ActivityLamp>("shpRecv")->fillColor(), 0);
+    }
 
-void MainWindowTest::shutdownAsks()
-{
-    MainFixture f;
-    ModalDriver d;
-    QString title;
-    d.then([&](QWidget *w) {
-        title = w->windowTitle();
-        static_cast<QMessageBox *>(w)->button(QMessageBox::No)->click();
-    });
-    QVERIFY(!f.window->close());
-    QCOMPARE(title + d.met.value(0), QStringLiteral("確認退出?"));
-    QVERIFY(f.core->recorder().database().isOpen());
-    d.box(QMessageBox::Yes);
-    f.item("mExit")->trigger();
-    QVERIFY(!f.window->isVisible());
-    QVERIFY(!f.core->recorder().database().isOpen());
-}
-
-void MainWindowTest::patternSource()
-{
-    MainFixture f([](TestHome &h) { writePtnRecvOpt(h.path(), 1); });
-    const auto options = f.window->findChildren<QRadioButton *>(QStringLiteral("optPTN_Data"));
-    QVERIFY(!options[0]->isChecked() && options[1]->isChecked());
-    QTest::mouseClick(options[0], Qt::LeftButton);
-    QCOMPARE(f.state().PtnDataOption, 0);
-    QCOMPARE(readPtnRecvOpt(f.home.path()), 0);
-    // A file that cannot be written is logged under the click's name.
-    QFile::remove(f.home.path() + "/PTN_Recv.OPT");
-    QDir(f.home.path()).mkdir("PTN_Recv.OPT");
-    QTest::mouseClick(options[1], Qt::LeftButton);
-    QCOMPARE(f.state().PtnDataOption, 1);
-    QFile log(f.home.path() + "/Err.LOG");
-    QVERIFY(log.open(QIODevice::ReadOnly));
-    QVERIFY(log.readAll().trimmed().endsWith("optPTN_Data_Click"));
-}
-
-void MainWindowTest::screenOpeners()
-{
-    MainFixture f;
-    QStringList opened;
-    for (const QString screen : {"frmQM730_RunSimple", "frmQM730_RunMulti", "frmQM730Func_Run", "frmQM730_Set_Multi"})
-        f.window->setScreenOpener(screen, [&, screen](QWidget *parent) {
-            QCOMPARE(parent, f.window.get());
-            opened << screen;
+    void shutdownAsks()
+    {
+        MainFixture f;
+        ModalDriver d;
+        QString title;
+        d.then([&](QWidget *w) {
+            title = w->windowTitle();
+            static_cast<QMessageBox *>(w)->button(QMessageBox::No)->click();
         });
-    f.state().SystemLocked = true; // a lock-guarded item does nothing
-    f.item("mSetChannel")->trigger();
-    f.state().SystemLocked = false;
-    f.item("mSetChannel")->trigger();
+        QVERIFY(!f.window->close());
+        QCOMPARE(title + d.met.value(0), QStringLiteral("確認退出?"));
+        QVERIFY(f.core->recorder().database().isOpen());
+        d.box(QMessageBox::Yes);
+        f.item("mExit")->trigger();
+        QVERIFY(!f.window->isVisible());
+        QVERIFY(!f.core->recorder().database().isOpen());
+    }
 
-    f.state().machines[0].MachineOnline = true;
-    f.core->link().update_menus();
-    f.item("mOnlineRun")->trigger();
-    QCOMPARE(f.state().ReqCmd, 3);
-    QVERIFY(f.state().RefreshOnOpen);
-    f.state().RefreshOnOpen = false;
-    f.item("mOnlineRunMulti")->trigger();
-    QVERIFY(!f.state().RefreshOnOpen);
-    f.item("mFuncRun")->trigger();
-    QVERIFY(f.state().RefreshOnOpen);
-    f.state().RefreshOnOpen = false;
-    f.button(2)->click(); // the button stands for mOnlineRun
-    QVERIFY(f.state().RefreshOnOpen);
-    f.item("mPrgPTN")->trigger(); // no opener yet: no effect
-    QCOMPARE(opened, QStringList({"frmQM730_Set_Multi", "frmQM730_RunSimple", "frmQM730_RunMulti",
-                                  "frmQM730Func_Run", "frmQM730_RunSimple"}));
-}
+    void patternSource()
+    {
+        MainFixture f([](TestHome &h) { writePtnRecvOpt(h.path(), 1); });
+        const auto options = f.window->findChildren<QRadioButton *>(QStringLiteral("optPTN_Data"));
+        QVERIFY(!options[0]->isChecked() && options[1]->isChecked());
+        QTest::mouseClick(options[0], Qt::LeftButton);
+        QCOMPARE(f.state().PtnDataOption, 0);
+        QCOMPARE(readPtnRecvOpt(f.home.path()), 0);
+        // A file that cannot be written is logged under the click's name.
+        QFile::remove(f.home.path() + "/PTN_Recv.OPT");
+        QDir(f.home.path()).mkdir("PTN_Recv.OPT");
+        QTest::mouseClick(options[1], Qt::LeftButton);
+        QCOMPARE(f.state().PtnDataOption, 1);
+        QFile log(f.home.path() + "/Err.LOG");
+        QVERIFY(log.open(QIODevice::ReadOnly));
+        QVERIFY(log.readAll().trimmed().endsWith("optPTN_Data_Click"));
+    }
 
-void MainWindowTest::helpFilesAndAbout()
-{
-    MainFixture f;
-    QStringList shell;
-    setShellOpenHandler([&shell](const QString &target, bool program) {
-        shell << (program ? "run " : "open ") + target;
-        return true;
-    });
-    QFile pdf(f.home.path() + "/QM730.pdf");
-    QVERIFY(pdf.open(QIODevice::WriteOnly));
-    pdf.close();
-    ModalDriver d;
-    f.item("mHelpManual")->trigger();
-    QCOMPARE(shell, QStringList({"open " + pdf.fileName()}));
-    d.box(); // a missing file is said to the operator
-    f.item("mHelpHelp")->trigger();
-    QVERIFY(d.met.value(0).endsWith(QStringLiteral("Help/QM730_ENG.chm")));
+    void screenOpeners()
+    {
+        MainFixture f;
+        QStringList opened;
+        for (const QString screen : {"frmQM730_RunSimple", "frmQM730_RunMulti", "frmQM730Func_Run", "frmQM730_Set_Multi"})
+            f.window->setScreenOpener(screen, [&, screen](QWidget *parent) {
+                QCOMPARE(parent, f.window.get());
+                opened << screen;
+            });
+        f.state().SystemLocked = true; // a lock-guarded item does nothing
+        f.item("mSetChannel")->trigger();
+        f.state().SystemLocked = false;
+        f.item("mSetChannel")->trigger();
 
-    d.then([](QWidget *w) {
-        QStringList texts;
-        for (QLabel *l : w->findChildren<QLabel *>())
-            texts << l->text();
-        QVERIFY(texts.contains("QM730") && texts.contains("OV5.1.0"));
-        QTest::mouseClick(w->findChild<QLabel *>(QStringLiteral("lblHomePage")), Qt::LeftButton);
-        static_cast<QDialog *>(w)->accept();
-    });
-    f.item("mHelpAbout")->trigger();
-    QCOMPARE(d.met.last(), QStringLiteral("frmQM730_About"));
-    QCOMPARE(shell.size(), 2);
-    QVERIFY(shell[1].startsWith("open http"));
-    setShellOpenHandler({});
-    QVERIFY(d.unexpected.isEmpty());
-}
+        f.state().machines[0].MachineOnline = true;
+        f.core->link().update_menus();
+        f.item("mOnlineRun")->trigger();
+        QCOMPARE(f.state().ReqCmd, 3);
+        QVERIFY(f.state().RefreshOnOpen);
+        f.state().RefreshOnOpen = false;
+        f.item("mOnlineRunMulti")->trigger();
+        QVERIFY(!f.state().RefreshOnOpen);
+        f.item("mFuncRun")->trigger();
+        QVERIFY(f.state().RefreshOnOpen);
+        f.state().RefreshOnOpen = false;
+        f.button(2)->click(); // the button stands for mOnlineRun
+        QVERIFY(f.state().RefreshOnOpen);
+        f.item("mPrgPTN")->trigger(); // no opener yet: no effect
+        QCOMPARE(opened, QStringList({"frmQM730_Set_Multi", "frmQM730_RunSimple", "frmQM730_RunMulti",
+                                      "frmQM730Func_Run", "frmQM730_RunSimple"}));
+    }
+
+    void helpFilesAndAbout()
+    {
+        MainFixture f;
+        QStringList shell;
+        setShellOpenHandler([&shell](const QString &target, bool program) {
+            shell << (program ? "run " : "open ") + target;
+            return true;
+        });
+        QFile pdf(f.home.path() + "/QM730.pdf");
+        QVERIFY(pdf.open(QIODevice::WriteOnly));
+        pdf.close();
+        ModalDriver d;
+        f.item("mHelpManual")->trigger();
+        QCOMPARE(shell, QStringList({"open " + pdf.fileName()}));
+        d.box(); // a missing file is said to the operator
+        f.item("mHelpHelp")->trigger();
+        QVERIFY(d.met.value(0).endsWith(QStringLiteral("Help/QM730_ENG.chm")));
+
+        d.then([](QWidget *w) {
+            QStringList texts;
+            for (QLabel *l : w->findChildren<QLabel *>())
+                texts << l->text();
+            QVERIFY(texts.contains("QM730") && texts.contains("OV5.1.0"));
+            QTest::mouseClick(w->findChild<QLabel *>(QStringLiteral("lblHomePage")), Qt::LeftButton);
+            static_cast<QDialog *>(w)->accept();
+        });
+        f.item("mHelpAbout")->trigger();
+        QCOMPARE(d.met.last(), QStringLiteral("frmQM730_About"));
+        QCOMPARE(shell.size(), 2);
+        QVERIFY(shell[1].startsWith("open http"));
+        setShellOpenHandler({});
+        QVERIFY(d.unexpected.isEmpty());
+    }
+};
 
 QTEST_MAIN(MainWindowTest)
 #include "tst_mainwindow.moc"

@@ -6,153 +6,140 @@ Q_DECLARE_METATYPE(Encoding)
 class TestEncodings : public QObject {
     Q_OBJECT
 private slots:
-    void wordFromValue_data();
-    void wordFromValue();
-    void tiesAndOffsets();
-    void textIsTakenByItsDigits();
-    void everyWordRoundTrips();
-    void signedSoakWords();
-    void formatNumber_data();
-    void formatNumber();
-    void screenTextOfWords();
-};
+    void wordFromValue_data()
+    {
+        QTest::addColumn<Encoding>("enc");
+        QTest::addColumn<double>("value");
+        QTest::addColumn<int>("word");
+        QTest::newRow("T100 25.5") << Encoding::T100 << 25.5 << 12550;
+        QTest::newRow("T100 -5.5") << Encoding::T100 << -5.5 << 9450;
+        QTest::newRow("T100 lowest") << Encoding::T100 << -100.0 << 0;
+        QTest::newRow("T100 below range clamps") << Encoding::T100 << -100.01 << 0;
+        QTest::newRow("T100 above word clamps") << Encoding::T100 << 600.0 << 65535;
+        QTest::newRow("X100 tie to even down") << Encoding::X100 << 0.125 << 12;
+        QTest::newRow("X100 tie to even up") << Encoding::X100 << 0.135 << 14;
+        QTest::newRow("X100 decimal tie, binary below") << Encoding::X100 << 1.015 << 102;
+        QTest::newRow("X100 decimal tie, binary above") << Encoding::X100 << 0.145 << 14;
+        QTest::newRow("LIM -5.00") << Encoding::LIM << -5.0 << 0;
+        QTest::newRow("LIM 105") << Encoding::LIM << 105.0 << 11000;
+        QTest::newRow("TZ 25") << Encoding::TZ << 25.0 << 1250;
+        QTest::newRow("AL100 25") << Encoding::AL100 << 25.0 << 32500;
+        QTest::newRow("AL10 25") << Encoding::AL10 << 25.0 << 3250;
+        QTest::newRow("AL100 -100") << Encoding::AL100 << -100.0 << 20000;
+        QTest::newRow("REV lowest point") << Encoding::REV << -196.5 << 35;
+        QTest::newRow("OFS -100") << Encoding::OFS << -100.0 << 0;
+        QTest::newRow("H100 60") << Encoding::H100 << 60.0 << 16000;
+        QTest::newRow("X10 ramp 6000") << Encoding::X10 << 6000.0 << 60000;
+        QTest::newRow("INT tie 2.5") << Encoding::INT << 2.5 << 2;
+        QTest::newRow("INT tie 3.5") << Encoding::INT << 3.5 << 4;
+        QTest::newRow("INT negative clamps") << Encoding::INT << -1.0 << 0;
+    }
 
-void TestEncodings::wordFromValue_data()
-{
-    QTest::addColumn<Encoding>("enc");
-    QTest::addColumn<double>("value");
-    QTest::addColumn<int>("word");
-    QTest::newRow("T100 25.5") << Encoding::T100 << 25.5 << 12550;
-    QTest::newRow("T100 -5.5") << Encoding::T100 << -5.5 << 9450;
-    QTest::newRow("T100 lowest") << Encoding::T100 << -100.0 << 0;
-    QTest::newRow("T100 below range clamps") << Encoding::T100 << -100.01 << 0;
-    QTest::newRow("T100 above word clamps") << Encoding::T100 << 600.0 << 65535;
-    QTest::newRow("X100 tie to even down") << Encoding::X100 << 0.125 << 12;
-    QTest::newRow("X100 tie to even up") << Encoding::X100 << 0.135 << 14;
-    QTest::newRow("X100 decimal tie, binary below") << Encoding::X100 << 1.015 << 102;
-    QTest::newRow("X100 decimal tie, binary above") << Encoding::X100 << 0.145 << 14;
-    QTest::newRow("LIM -5.00") << Encoding::LIM << -5.0 << 0;
-    QTest::newRow("LIM 105") << Encoding::LIM << 105.0 << 11000;
-    QTest::newRow("TZ 25") << Encoding::TZ << 25.0 << 1250;
-    QTest::newRow("AL100 25") << Encoding::AL100 << 25.0 << 32500;
-    QTest::newRow("AL10 25") << Encoding::AL10 << 25.0 << 3250;
-    QTest::newRow("AL100 -100") << Encoding::AL100 << -100.0 << 20000;
-    QTest::newRow("REV lowest point") << Encoding::REV << -196.5 << 35;
-    QTest::newRow("OFS -100") << Encoding::OFS << -100.0 << 0;
-    QTest::newRow("H100 60") << Encoding::H100 << 60.0 << 16000;
-    QTest::newRow("X10 ramp 6000") << Encoding::X10 << 6000.0 << 60000;
-    QTest::newRow("INT tie 2.5") << Encoding::INT << 2.5 << 2;
-    QTest::newRow("INT tie 3.5") << Encoding::INT << 3.5 << 4;
-    QTest::newRow("INT negative clamps") << Encoding::INT << -1.0 << 0;
-}
+    void wordFromValue()
+    {
+        QFETCH(Encoding, enc);
+        QFETCH(double, value);
+        QFETCH(int, word);
+        QCOMPARE(int(::wordFromValue(enc, value)), word);
+    }
 
-void TestEncodings::wordFromValue()
-{
-    QFETCH(Encoding, enc);
-    QFETCH(double, value);
-    QFETCH(int, word);
-    QCOMPARE(int(::wordFromValue(enc, value)), word);
-}
+    void tiesAndOffsets()
+    {
+        QCOMPARE(roundHalfEven(-2.5), -2);
+        QCOMPARE(roundHalfEven(-3.5), -4);
+        QCOMPARE(roundHalfEven(-0.125, 2), -12);
+        QCOMPARE(roundHalfEven(-2.51), -3);
+        // The tie is decided after the offset: 0.5 + 1 = 1.5 rounds to 2.
+        QCOMPARE(roundHalfEven(0.5, 0, 0), 0);
+        QCOMPARE(roundHalfEven(0.5, 0, 1), 2);
+        QCOMPARE(roundHalfEven(-0.5, 0, 1), 0);
+        QCOMPARE(roundHalfEven(1e300), std::numeric_limits<qint64>::max());
+        QCOMPARE(roundHalfEven(std::nan("")), 0);
+    }
 
-void TestEncodings::tiesAndOffsets()
-{
-    QCOMPARE(roundHalfEven(-2.5), -2);
-    QCOMPARE(roundHalfEven(-3.5), -4);
-    QCOMPARE(roundHalfEven(-0.125, 2), -12);
-    QCOMPARE(roundHalfEven(-2.51), -3);
-    // The tie is decided after the offset: 0.5 + 1 = 1.5 rounds to 2.
-    QCOMPARE(roundHalfEven(0.5, 0, 0), 0);
-    QCOMPARE(roundHalfEven(0.5, 0, 1), 2);
-    QCOMPARE(roundHalfEven(-0.5, 0, 1), 0);
-    QCOMPARE(roundHalfEven(1e300), std::numeric_limits<qint64>::max());
-    QCOMPARE(roundHalfEven(std::nan("")), 0);
-}
+    void textIsTakenByItsDigits()
+    {
+        QCOMPARE(int(wordFromText(Encoding::T100, u"25.5")), 12550);
+        QCOMPARE(int(wordFromText(Encoding::T100, u" 25.5 C")), 12550);
+        QCOMPARE(int(wordFromText(Encoding::T100, u"")), 10000);
+        QCOMPARE(int(wordFromText(Encoding::T100, u"abc")), 10000);
+        QCOMPARE(int(wordFromText(Encoding::X100, u"0.125")), 12);
+        QCOMPARE(int(wordFromText(Encoding::X100, u"0.12500000000000000001")), 13);
+        QCOMPARE(int(wordFromText(Encoding::INT, u"1e1")), 10);
+        QCOMPARE(int(wordFromText(Encoding::T100, u"-100.005")), 0);
+        QCOMPARE(roundHalfEvenText(u"-2.5"), -2);
+    }
 
-void TestEncodings::textIsTakenByItsDigits()
-{
-    QCOMPARE(int(wordFromText(Encoding::T100, u"25.5")), 12550);
-    QCOMPARE(int(wordFromText(Encoding::T100, u" 25.5 C")), 12550);
-    QCOMPARE(int(wordFromText(Encoding::T100, u"")), 10000);
-    QCOMPARE(int(wordFromText(Encoding::T100, u"abc")), 10000);
-    QCOMPARE(int(wordFromText(Encoding::X100, u"0.125")), 12);
-    QCOMPARE(int(wordFromText(Encoding::X100, u"0.12500000000000000001")), 13);
-    QCOMPARE(int(wordFromText(Encoding::INT, u"1e1")), 10);
-    QCOMPARE(int(wordFromText(Encoding::T100, u"-100.005")), 0);
-    QCOMPARE(roundHalfEvenText(u"-2.5"), -2);
-}
-
-void TestEncodings::everyWordRoundTrips()
-{
-    const Encoding all[] = {Encoding::T100, Encoding::H100, Encoding::V100, Encoding::X10,
-                            Encoding::X100, Encoding::TZ, Encoding::LIM, Encoding::OFS,
-                            Encoding::REV, Encoding::AL100, Encoding::AL10, Encoding::INT,
-                            Encoding::OPT};
-    for (Encoding e : all) {
-        for (int w = 0; w <= 65535; w += 7) {
-            const double v = valueFromWord(e, w);
-            if (::wordFromValue(e, v) != w)
-                QFAIL(qPrintable(QStringLiteral("%1 word %2 came back as %3")
-                                     .arg(encodingName(e)).arg(w).arg(::wordFromValue(e, v))));
-            if (wordFromText(e, formatScaled(w - encodingOffset(e), encodingPow10(e), u"")) != w)
-                QFAIL(qPrintable(QStringLiteral("%1 word %2 lost through its text").arg(encodingName(e)).arg(w)));
+    void everyWordRoundTrips()
+    {
+        const Encoding all[] = {Encoding::T100, Encoding::H100, Encoding::V100, Encoding::X10,
+                                Encoding::X100, Encoding::TZ, Encoding::LIM, Encoding::OFS,
+                                Encoding::REV, Encoding::AL100, Encoding::AL10, Encoding::INT,
+                                Encoding::OPT};
+        for (Encoding e : all) {
+            for (int w = 0; w <= 65535; w += 7) {
+                const double v = valueFromWord(e, w);
+                if (::wordFromValue(e, v) != w)
+                    QFAIL(qPrintable(QStringLiteral("%1 word %2 came back as %3")
+                                         .arg(encodingName(e)).arg(w).arg(::wordFromValue(e, v))));
+                if (wordFromText(e, formatScaled(w - encodingOffset(e), encodingPow10(e), u"")) != w)
+                    QFAIL(qPrintable(QStringLiteral("%1 word %2 lost through its text").arg(encodingName(e)).arg(w)));
+            }
         }
     }
-}
 
-void TestEncodings::signedSoakWords()
-{
-    QCOMPARE(int(::wordFromValue(Encoding::NEG10, 10)), 65436);
-    QCOMPARE(valueFromWord(Encoding::NEG10, 65436), 10.0);
-    QCOMPARE(formatWord(Encoding::NEG10, 65436, 2), QStringLiteral("10.0"));
-    QCOMPARE(valueFromWord(Encoding::NEG10, -100), 10.0);
-    QCOMPARE(int(::wordFromValue(Encoding::NEG10, -5000)), 32767);
-}
+    void signedSoakWords()
+    {
+        QCOMPARE(int(::wordFromValue(Encoding::NEG10, 10)), 65436);
+        QCOMPARE(valueFromWord(Encoding::NEG10, 65436), 10.0);
+        QCOMPARE(formatWord(Encoding::NEG10, 65436, 2), QStringLiteral("10.0"));
+        QCOMPARE(valueFromWord(Encoding::NEG10, -100), 10.0);
+        QCOMPARE(int(::wordFromValue(Encoding::NEG10, -5000)), 32767);
+    }
 
-void TestEncodings::formatNumber_data()
-{
-    QTest::addColumn<double>("value");
-    QTest::addColumn<QString>("pattern");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("minus before padding") << -5.5 << "000.00" << "-005.50";
-    QTest::newRow("run log temperature") << -10.5 << "000.00" << "-010.50";
-    QTest::newRow("zero padded") << 0.0 << "000.00" << "000.00";
-    QTest::newRow("outgrows padding") << 100.0 << "00.0" << "100.0";
-    QTest::newRow("sequence") << 12.0 << "00000000" << "00000012";
-    QTest::newRow("half away from zero") << 0.5 << "0" << "1";
-    QTest::newRow("negative half away") << -0.5 << "0" << "-1";
-    QTest::newRow("decimal tie") << 2.675 << "0.00" << "2.68";
-    QTest::newRow("no minus on zero") << -0.004 << "0.00" << "0.00";
-    QTest::newRow("carry into new digit") << 99.96 << "00.0" << "100.0";
-    QTest::newRow("general") << -0.5 << "" << "-0.5";
-    QTest::newRow("general whole") << 20.0 << "" << "20";
-}
+    void formatNumber_data()
+    {
+        QTest::addColumn<double>("value");
+        QTest::addColumn<QString>("pattern");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("minus before padding") << -5.5 << "000.00" << "-005.50";
+        QTest::newRow("run log temperature") << -10.5 << "000.00" << "-010.50";
+        QTest::newRow("zero padded") << 0.0 << "000.00" << "000.00";
+        QTest::newRow("outgrows padding") << 100.0 << "00.0" << "100.0";
+        QTest::newRow("sequence") << 12.0 << "00000000" << "00000012";
+        QTest::newRow("half away from zero") << 0.5 << "0" << "1";
+        QTest::newRow("negative half away") << -0.5 << "0" << "-1";
+        QTest::newRow("decimal tie") << 2.675 << "0.00" << "2.68";
+        QTest::newRow("no minus on zero") << -0.004 << "0.00" << "0.00";
+        QTest::newRow("carry into new digit") << 99.96 << "00.0" << "100.0";
+        QTest::newRow("general") << -0.5 << "" << "-0.5";
+        QTest::newRow("general whole") << 20.0 << "" << "20";
+    }
 
-void TestEncodings::formatNumber()
-{
-    QFETCH(double, value);
-    QFETCH(QString, pattern);
-    QFETCH(QString, text);
-    QCOMPARE(::formatNumber(value, pattern), text);
-}
+    void formatNumber()
+    {
+        QFETCH(double, value);
+        QFETCH(QString, pattern);
+        QFETCH(QString, text);
+        QCOMPARE(::formatNumber(value, pattern), text);
+    }
 
-void TestEncodings::screenTextOfWords()
-{
-    QCOMPARE(resolutionPattern(0), QStringLiteral("0"));
-    QCOMPARE(resolutionPattern(1), QStringLiteral("0.0"));
-    QCOMPARE(resolutionPattern(2), QStringLiteral("0.00"));
-    QCOMPARE(resolutionPattern(3), QStringLiteral("0.00"));
-    QCOMPARE(resolutionPattern(-1), QStringLiteral("0"));
-    QCOMPARE(formatWord(Encoding::T100, 12550, 1), QStringLiteral("25.5"));
-    QCOMPARE(formatWord(Encoding::T100, 12550, 0), QStringLiteral("26"));
-    QCOMPARE(formatWord(Encoding::T100, 12550, 7), QStringLiteral("25.50"));
-    QCOMPARE(formatWord(Encoding::H100, 16000, 2), QStringLiteral("60.0"));
-    QCOMPARE(formatWord(Encoding::AL10, 30000, 2), QStringLiteral("2700.0"));
-    QCOMPARE(formatWord(Encoding::LIM, 0, 2), QStringLiteral("-5.00"));
-    QCOMPARE(formatWord(Encoding::REV, 1995, 2), QStringLiteral("-0.5"));
-    QCOMPARE(formatWord(Encoding::INT, 7, 2), QStringLiteral("7"));
-    QCOMPARE(::formatNumber(-5.5, "000.00"), QStringLiteral("-005.50"));
-    QCOMPARE(wordBytes(12550), QByteArray("\x31\x06", 2));
-}
+    void screenTextOfWords()
+    {
+        QCOMPARE(QStringList({resolutionPattern(-1), resolutionPattern(0), resolutionPattern(1), resolutionPattern(2),
+                              resolutionPattern(3)}),
+                 QStringList({"0", "0", "0.0", "0.00", "0.00"}));
+        QCOMPARE(formatWord(Encoding::T100, 12550, 1), QStringLiteral("25.5"));
+        QCOMPARE(formatWord(Encoding::T100, 12550, 0), QStringLiteral("26"));
+        QCOMPARE(formatWord(Encoding::T100, 12550, 7), QStringLiteral("25.50"));
+        QCOMPARE(formatWord(Encoding::H100, 16000, 2), QStringLiteral("60.0"));
+        QCOMPARE(formatWord(Encoding::AL10, 30000, 2), QStringLiteral("2700.0"));
+        QCOMPARE(formatWord(Encoding::LIM, 0, 2), QStringLiteral("-5.00"));
+        QCOMPARE(formatWord(Encoding::REV, 1995, 2), QStringLiteral("-0.5"));
+        QCOMPARE(formatWord(Encoding::INT, 7, 2), QStringLiteral("7"));
+        QCOMPARE(wordBytes(12550), QByteArray("\x31\x06", 2));
+    }
+};
 
 QTEST_GUILESS_MAIN(TestEncodings)
 #include "tst_encodings.moc"

@@ -1,34 +1,12 @@
 // The console's core against the simulator over a pseudo-terminal, in each
 // of the three protocols: scan, poll, writes and the faults of a real line.
 #include "ConsoleCore.h"
-#include "Files.h"
 #include "SimProcess.h"
-#include "mdlADO.h"
+#include "TestHome.h"
 #include <QtTest>
 #include <memory>
 
 namespace {
-
-// A program folder for the console, its port mapped to the simulator's line.
-std::unique_ptr<ConsoleCore> makeConsole(const QString &home, const QString &link, const QString &protocol,
-                                         const QList<int> &machines)
-{
-    QDir().mkpath(home + QStringLiteral("/CFG"));
-    provisionMailDatabase(home + QStringLiteral("/EMail.mdb"));
-    writeTextLinesAtomic(home + QStringLiteral("/PortMap.CFG"), {QStringLiteral("COM1=") + link});
-    writeTextLinesAtomic(home + QStringLiteral("/CommPort.CFG"),
-                         {QStringLiteral("COM1"), QStringLiteral("115200"), QStringLiteral("N"), QStringLiteral("8"),
-                          QStringLiteral("1"), protocol, QStringLiteral("OFF")});
-    QStringList run{QStringLiteral("多機"), QStringLiteral("1")};
-    const int highest = *std::max_element(machines.begin(), machines.end());
-    for (int n = 1; n <= highest; ++n)
-        run << (machines.contains(n) ? QStringLiteral("O\tChamber %1").arg(n) : QStringLiteral("\t"));
-    writeTextLinesAtomic(home + QStringLiteral("/CFG/Run.INI"), run);
-    auto core = std::make_unique<ConsoleCore>(home);
-    if (core->start() != ConsoleCore::StartResult::Ok)
-        return nullptr;
-    return core;
-}
 
 int counter(ConsoleCore &c, int slot, int column)
 {
@@ -44,9 +22,12 @@ class LineTest : public QObject {
 
     QTemporaryDir m_dir;
     std::unique_ptr<SimProcess> m_sim;
+    std::unique_ptr<TestHome> m_home;
     std::unique_ptr<ConsoleCore> m_core;
 
-    bool bringUp(const QString &protocol, const QString &machines, const QList<int> &list, const QStringList &script = {})
+    // The simulator with the given machines and control script, and a console
+    // whose COM1 is its line, with machines 1..n used as `used` says, port open.
+    bool bringUp(const QString &protocol, const QString &machines, const QList<bool> &used, const QStringList &script = {})
     {
         m_core.reset();
         m_sim = std::make_unique<SimProcess>(m_dir.path());
@@ -55,8 +36,13 @@ class LineTest : public QObject {
         for (const QString &line : script)
             if (m_sim->command(line) != QLatin1String("ok"))
                 return false;
-        m_core = makeConsole(m_dir.path() + QStringLiteral("/home"), m_sim->linkPath(), protocol, list);
-        return m_core && m_core->togglePort() == ConsoleCore::PortAction::Opened;
+        m_home = std::make_unique<TestHome>();
+        m_home->writePortCfg(protocol);
+        m_home->mapPorts({"COM1=" + m_sim->linkPath()});
+        m_home->machines(used);
+        m_core = std::make_unique<ConsoleCore>(m_home->path());
+        return m_core->start() == ConsoleCore::StartResult::Ok
+               && m_core->togglePort() == ConsoleCore::PortAction::Opened;
     }
 
     void protocols()
@@ -71,6 +57,7 @@ private slots:
     void cleanup()
     {
         m_core.reset();
+        m_home.reset();
         m_sim.reset();
     }
 
@@ -78,7 +65,7 @@ private slots:
     void threeChambersOneSilent()
     {
         QFETCH(QString, protocol);
-        QVERIFY(bringUp(protocol, QStringLiteral("1:2.09,2,3"), {1, 2, 3}, {QStringLiteral("fault 3 silent on")}));
+        QVERIFY(bringUp(protocol, QStringLiteral("1:2.09,2,3"), {true, true, true}, {QStringLiteral("fault 3 silent on")}));
         ConsoleState &s = m_core->state();
         QTRY_VERIFY_WITH_TIMEOUT(s.CmdState != 10, 10000);
         QCOMPARE(s.sprdStatus.text(2, 1), QStringLiteral("良好"));
@@ -111,7 +98,7 @@ private slots:
     void faultsOnTheLine()
     {
         QFETCH(QString, protocol);
-        QVERIFY(bringUp(protocol, QStringLiteral("1"), {1}));
+        QVERIFY(bringUp(protocol, QStringLiteral("1"), {true}));
         ConsoleState &s = m_core->state();
         QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
         auto settle = [&](int polls) {
@@ -119,6 +106,7 @@ private slots:
             QTRY_VERIFY_WITH_TIMEOUT(counter(*m_core, 0, 1) >= start + polls, 10000);
         };
         settle(2);
+        QCOMPARE(s.statusPanel(4), QStringLiteral("機號 [1] QM730 連接") + (isModbus(protocol) ? "" : "."));
         // A reply split in two with a pause is one frame; noise in front is dropped without a count.
         QCOMPARE(m_sim->command(QStringLiteral("fault 1 split on 60")), QStringLiteral("ok"));
         settle(4);
@@ -133,6 +121,8 @@ private slots:
         if (protocol != QLatin1String("PC Link")) {
             m_sim->command(QStringLiteral("fault 1 badsum on"));
             QTRY_VERIFY(counter(*m_core, 0, isModbus(protocol) ? 4 : 2) >= 2);
+            if (isModbus(protocol))
+                QCOMPARE(s.statusPanel(4), QStringLiteral("機號 [1] : 通訊不良"));
             m_sim->command(QStringLiteral("fault 1 badsum off"));
             settle(2);
         }
@@ -165,7 +155,7 @@ private slots:
     void silentMachineIsGivenUpWhileOthersArePolled()
     {
         QFETCH(QString, protocol);
-        QVERIFY(bringUp(protocol, QStringLiteral("1,2"), {1, 2}));
+        QVERIFY(bringUp(protocol, QStringLiteral("1,2"), {true, true}));
         ConsoleState &s = m_core->state();
         QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
         m_sim->command(QStringLiteral("fault 2 silent on"));
@@ -183,7 +173,7 @@ private slots:
     void writeReachesTheController()
     {
         QFETCH(QString, protocol);
-        QVERIFY(bringUp(protocol, QStringLiteral("4"), {4}));
+        QVERIFY(bringUp(protocol, QStringLiteral("4"), {false, false, false, true}));
         ConsoleState &s = m_core->state();
         QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
         // Target temperature 25.5: (25.5 + 100) * 100 = 12550 into run parameter 12.
@@ -197,7 +187,7 @@ private slots:
 
     void answerWithoutQmIsNotAController()
     {
-        QVERIFY(bringUp(QStringLiteral("PC Link"), QStringLiteral("1"), {1}, {QStringLiteral("fault 1 noqm on")}));
+        QVERIFY(bringUp(QStringLiteral("PC Link"), QStringLiteral("1"), {true}, {QStringLiteral("fault 1 noqm on")}));
         ConsoleState &s = m_core->state();
         QTRY_COMPARE_WITH_TIMEOUT(s.sprdStatus.text(2, 1), QStringLiteral("不良"), 5000);
         QCOMPARE(s.CurrentMachine, 0);

@@ -2,8 +2,7 @@
 // write (pymodbus), over a pair of pseudo-terminals: scan, the poll of the run
 // parameters and present values, and the five-piece read of the parameter block.
 #include "ConsoleCore.h"
-#include "Files.h"
-#include "mdlADO.h"
+#include "TestHome.h"
 #include <QFileInfo>
 #include <QProcess>
 #include <QtTest>
@@ -50,15 +49,10 @@ private slots:
 
     void scanPollAndParameterBlock()
     {
-        const QString home = m_dir.path() + QStringLiteral("/home");
-        QDir().mkpath(home);
-        provisionMailDatabase(home + QStringLiteral("/EMail.mdb"));
-        writeTextLinesAtomic(home + QStringLiteral("/PortMap.CFG"), {QStringLiteral("COM1=") + m_dir.path() + QStringLiteral("/con")});
-        writeTextLinesAtomic(home + QStringLiteral("/CommPort.CFG"),
-                             {QStringLiteral("COM1"), QStringLiteral("115200"), QStringLiteral("N"), QStringLiteral("8"),
-                              QStringLiteral("1"), QStringLiteral("Modbus RTU"), QStringLiteral("OFF")});
-        writeTextLinesAtomic(home + QStringLiteral("/CFG/Run.INI"), {QStringLiteral("單機"), QStringLiteral("1")});
-        ConsoleCore core(home);
+        TestHome home;
+        home.writePortCfg(QStringLiteral("Modbus RTU"));
+        home.mapPorts({"COM1=" + m_dir.path() + "/con"});
+        ConsoleCore core(home.path());
         QCOMPARE(core.start(), ConsoleCore::StartResult::Ok);
         ConsoleState &s = core.state();
         QCOMPARE(core.togglePort(), ConsoleCore::PortAction::Opened);

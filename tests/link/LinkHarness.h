@@ -1,11 +1,10 @@
 #pragma once
-// A link on an in-memory port, with a temporary program folder, and reply
-// builders written from the reply table (not from the console's own code).
+// A link for machine 1 on an in-memory port, with a temporary program folder,
+// and reply builders written from the reply table (not from the console's own code).
 #include "CommLink.h"
 #include "ConsoleState.h"
 #include "FakeCommPort.h"
 #include <QMap>
-#include <QSet>
 #include <QTemporaryDir>
 #include <memory>
 
@@ -35,11 +34,6 @@ inline QByteArray pcReply(int machine, const char *cmd, const QByteArray &payloa
         f += char(s & 0xFF);
     }
     return f;
-}
-
-inline QByteArray whoReply(int machine, const QByteArray &text, bool sum = false)
-{
-    return pcReply(machine, "WHO", text, sum);
 }
 
 inline QByteArray rrpReply(int machine, const QList<int> &rows17, bool sum = false)
@@ -72,26 +66,12 @@ inline QByteArray rcvReply(int machine, const QList<int> &rows, bool sum = false
     return pcReply(machine, "RCV", rcvData(rows), sum);
 }
 
-inline QByteArray rupReply(int machine, int words, int fill = 0)
+inline QByteArray rupReply(int machine, int words)
 {
     QByteArray data;
     for (int i = 0; i < words; ++i)
-        data += word(fill ? fill : i + 1);
+        data += word(i + 1);
     return pcReply(machine, "RUP", "0000," + data);
-}
-
-inline QByteArray modbusCrc(const QByteArray &b)
-{
-    quint16 crc = 0xFFFF;
-    for (char c : b) {
-        crc ^= quint8(c);
-        for (int i = 0; i < 8; ++i)
-            crc = (crc & 1) ? (crc >> 1) ^ 0xA001 : crc >> 1;
-    }
-    QByteArray f = b;
-    f += char(crc & 0xFF);
-    f += char(crc >> 8);
-    return f;
 }
 
 struct LinkHarness {
@@ -101,16 +81,10 @@ struct LinkHarness {
     std::unique_ptr<CommLink> link;
     QTimer refresh;
 
-    explicit LinkHarness(const QList<int> &machineNumbers = {1})
+    LinkHarness()
     {
         state = std::make_unique<ConsoleState>(dir.path());
-        QVector<MachineSlot> slotList;
-        for (int n : machineNumbers) {
-            MachineSlot m;
-            m.MachineNumber = n;
-            slotList << m;
-        }
-        state->setMachines(slotList);
+        state->setMachines({{1}});
         refresh.setSingleShot(true);
         state->MainRefreshTimer = &refresh;
         state->ActiveRefreshTimer = &refresh;
@@ -120,27 +94,13 @@ struct LinkHarness {
 
     // Opens the port and lets the scan start.
     bool open() { return link->openLink(); }
-
-    // Frames written, without RTS zero bytes.
-    QByteArrayList frames() const
-    {
-        QByteArrayList out;
-        for (const QByteArray &w : port.written)
-            if (w != QByteArray(1, '\0'))
-                out << w;
-        return out;
-    }
-    QByteArray command(const QByteArray &frame) const { return frame.mid(4, 3); }
-    int machineOf(const QByteArray &frame) const { return frame.mid(1, 3).toInt(); }
 };
 
 // A line of PC Link controllers for the fake port: answers WHO, RRP, RCV, RUP
 // and write acknowledges for the machines it holds; others stay silent.
 struct FakeLine {
     QMap<int, QString> firmware;          // machine -> version text
-    QSet<int> silent;
-    QMap<int, QList<int>> rrp, rcv;       // machine -> rows
-    bool withSum = false;
+    QMap<int, QList<int>> rrp;            // machine -> rows
     QByteArrayList seen;
 
     QByteArray answer(const QByteArray &frame)
@@ -150,21 +110,21 @@ struct FakeLine {
             return {};
         const int m = frame.mid(1, 3).toInt();
         const QByteArray cmd = frame.mid(4, 3);
-        if (!firmware.contains(m) || silent.contains(m))
+        if (!firmware.contains(m))
             return {};
         const double fw = firmware[m].toDouble();
         if (cmd == "WHO")
-            return whoReply(m, "QM730 TH F/W V" + firmware[m].toLatin1(), withSum);
+            return pcReply(m, "WHO", "QM730 TH F/W V" + firmware[m].toLatin1());
         if (cmd == "RRP")
-            return rrpReply(m, rrp.value(m), withSum);
+            return rrpReply(m, rrp.value(m));
         if (cmd == "RCV")
-            return rcvReply(m, rcv.value(m), withSum);
+            return rcvReply(m, {});
         if (cmd == "RUP") {
             const int words = fw >= 2.2 ? 512 : fw >= 2.09 ? 492 : fw >= 1.81 ? 456 : 392;
-            return pcReply(m, "RUP", "0000," + QByteArray(2 * words, '\x01'), withSum);
+            return pcReply(m, "RUP", "0000," + QByteArray(2 * words, '\x01'));
         }
         if (cmd == "WRP" || cmd == "WUP" || cmd == "WTD")
-            return pcReply(m, cmd.constData(), frame.mid(8, 4), withSum);
+            return pcReply(m, cmd.constData(), frame.mid(8, 4));
         return {};
     }
 };

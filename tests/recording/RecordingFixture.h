@@ -12,13 +12,8 @@ inline std::unique_ptr<ConsoleState> makeState(const QString &home, const QList<
 {
     auto state = std::make_unique<ConsoleState>(home);
     QVector<MachineSlot> list;
-    for (int n : numbers) {
-        MachineSlot s;
-        s.MachineNumber = n;
-        s.MachineOnline = true;
-        s.MachineRunning = true;
-        list << s;
-    }
+    for (int n : numbers)
+        list.append({n, {}, true, true});
     state->setMachines(list);
     return state;
 }

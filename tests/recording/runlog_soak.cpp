@@ -16,15 +16,7 @@ int main(int argc, char **argv)
     const QString home = QString::fromLocal8Bit(argv[1]);
     const qint64 ticks = argc > 2 ? QByteArray(argv[2]).toLongLong() : -1;
     ConsoleState state(home);
-    QVector<MachineSlot> list;
-    for (int n : {1, 2, 3, 999}) {
-        MachineSlot s;
-        s.MachineNumber = n;
-        s.MachineOnline = true;
-        s.MachineRunning = true;
-        list << s;
-    }
-    state.setMachines(list);
+    state.setMachines({{1, {}, true, true}, {2, {}, true, true}, {3, {}, true, true}, {999, {}, true, true}});
     state.image.setTempDecimals(2);
     writeSaveSettingsFile(home, {"Yes", "1", "sec", home + "/data", "QM730", "0", "0", "0"});
 
@@ -34,14 +26,12 @@ int main(int argc, char **argv)
     logger.loadSettings();
     logger.markStart();
     for (qint64 tick = 1; ticks < 0 || tick <= ticks; ++tick) {
+        const int wave = int(tick % 4000);
         for (int slot = 0; slot < 4; ++slot) {
-            const int wave = int(tick % 4000);
-            state.image.sprdRCV.setNumber(slot + 1, 1, 9000 + wave);
-            state.image.sprdRCV.setNumber(slot + 1, 2, slot == 2 ? 65535 : 8000 + wave);
-            state.image.sprdRCV.setNumber(slot + 1, 3, wave);
-            state.image.sprdRCV.setNumber(slot + 1, 4, slot == 3 ? 0 : 600);
-            state.image.sprdRCV.setNumber(slot + 1, 5, wave / 3);
-            state.image.sprdRCV.setNumber(slot + 1, 6, 10000 - wave);
+            // Slot 2 has a burnt-out sensor, slot 3 no humidity control.
+            const int words[] = {9000 + wave, slot == 2 ? 65535 : 8000 + wave, wave, slot == 3 ? 0 : 600, wave / 3, 10000 - wave};
+            for (int row = 1; row <= 6; ++row)
+                state.image.sprdRCV.setNumber(slot + 1, row, words[row - 1]);
         }
         now = now.addSecs(1);
         logger.Timer1_Timer();

@@ -37,17 +37,14 @@ class TestMailSender : public QObject {
     }
 
     QString mdb() const { return home + "/EMail.mdb"; }
-
-    void setMail(const QString &smtp, const QString &to)
+    void setMail(int port, const QString &to)
     {
-        sql(mdb(), QString("INSERT INTO SetMail VALUES (1, '%1', 'qm730@example.com', '%2', 0)").arg(smtp, to));
+        sql(mdb(), QString("INSERT INTO SetMail VALUES (1, '127.0.0.1:%1', 'qm730@example.com', '%2', 0)").arg(port).arg(to));
     }
-
-    void queue(const QString &title, const QString &body)
+    void queue(const QString &body, const QString &title = "QM730 Alarm Status")
     {
         sql(mdb(), QString("INSERT INTO SendMail VALUES ('%1', '%2')").arg(title, body));
     }
-
     QStringList waitingBodies()
     {
         QStringList out;
@@ -55,7 +52,6 @@ class TestMailSender : public QObject {
             out << v.toString();
         return out;
     }
-
     int sendNG() { return sql(mdb(), "SELECT SendNG FROM SetMail WHERE ProcID = 1").value(0, -1).toInt(); }
 
     int runSender(const QStringList &extra = {})
@@ -83,19 +79,7 @@ class TestMailSender : public QObject {
 
     static QString text(const QJsonObject &o, const char *key)
     {
-        QString t = o.value(key).toString();
-        t.replace("\r\n", "\n");
-        return t.trimmed();
-    }
-
-    // A port on loopback with nothing listening.
-    static int closedPort()
-    {
-        QTcpServer s;
-        s.listen(QHostAddress::LocalHost);
-        const int port = s.serverPort();
-        s.close();
-        return port;
+        return o.value(key).toString().replace("\r\n", "\n").trimmed();
     }
 
 private slots:
@@ -123,9 +107,9 @@ private slots:
     {
         const int port = startSink("accept");
         QVERIFY2(port > 0, "the loopback SMTP server did not start");
-        setMail(QString("127.0.0.1:%1").arg(port), "a@example.com;b@example.com;");
-        queue("QM730 Alarm Status", "2026-03-01 10:20:30 Meter001 D/I 1 ON");
-        queue("溫度警報", "first line\n.\n..two dots\nlast line 溫度 = 25.0");
+        setMail(port, "a@example.com;b@example.com;");
+        queue("2026-03-01 10:20:30 Meter001 D/I 1 ON");
+        queue("first line\n.\n..two dots\nlast line 溫度 = 25.0", "溫度警報");
 
         QCOMPARE(runSender(), 0);
         QVERIFY(waitingBodies().isEmpty());
@@ -150,9 +134,9 @@ private slots:
     {
         const int port = startSink("accept");
         QVERIFY(port > 0);
-        setMail(QString("127.0.0.1:%1").arg(port), ";a@example.com");
+        setMail(port, ";a@example.com");
         for (int i = 1; i <= 6; ++i)
-            queue("QM730 Alarm Status", QString("mail %1").arg(i));
+            queue(QString("mail %1").arg(i));
         QProcess first, second;
         first.start(sender(), {"--home", home});
         second.start(sender(), {"--home", home});
@@ -180,8 +164,10 @@ private slots:
         QFETCH(QString, server);
         QTcpServer silent;
         int port = 0;
-        if (server == "refused") {
-            port = closedPort();
+        if (server == "refused") { // a port on loopback with nothing listening
+            QVERIFY(silent.listen(QHostAddress::LocalHost));
+            port = silent.serverPort();
+            silent.close();
         } else if (server == "reject") {
             port = startSink("reject");
         } else {
@@ -189,9 +175,9 @@ private slots:
             port = silent.serverPort();
         }
         QVERIFY(port > 0);
-        setMail(QString("127.0.0.1:%1").arg(port), "a@example.com;");
-        queue("QM730 Alarm Status", "one");
-        queue("QM730 Alarm Status", "two");
+        setMail(port, "a@example.com;");
+        queue("one");
+        queue("two");
         QElapsedTimer t;
         t.start();
         QCOMPARE(runSender({"--timeout", "700"}), 1);

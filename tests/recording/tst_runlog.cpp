@@ -217,9 +217,6 @@ private slots:
         QCOMPARE(r[1][0], QString("00000002"));
         QCOMPARE(r[1][2], QString("08:03:30"));
     }
-
-
-
 };
 
 QTEST_GUILESS_MAIN(TestRunLog)

@@ -2,9 +2,11 @@
 #include "ConsoleState.h"
 #include "Files.h"
 #include "MailNotifier.h"
+#include "ModalDriver.h"
 #include "RecordFiles.h"
 #include "RecordingFixture.h"
 #include "RunLogger.h"
+#include "Widgets.h"
 #include "frmQM730_History.h"
 #include "frmQM730_Set_DSave.h"
 #include "frmQM730_Set_EMail.h"
@@ -25,31 +27,6 @@
 
 namespace {
 
-// Answers the next modal message box with the given button and remembers
-// its title and text.
-struct ModalAnswer {
-    QString title, text;
-    bool seen = false;
-
-    explicit ModalAnswer(QMessageBox::StandardButton button)
-    {
-        QTimer::singleShot(0, [this, button] { answer(button, 0); });
-    }
-    void answer(QMessageBox::StandardButton button, int attempt)
-    {
-        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        if (!box) {
-            if (attempt < 100)
-                QTimer::singleShot(20, [this, button, attempt] { answer(button, attempt + 1); });
-            return;
-        }
-        seen = true;
-        title = box->windowTitle();
-        text = box->text();
-        box->button(button)->click();
-    }
-};
-
 void loseFocus(QWidget *w)
 {
     QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
@@ -63,15 +40,6 @@ class TestScreens : public QObject {
 
     std::unique_ptr<QTemporaryDir> m_dir;
     QString home;
-
-    template <typename T>
-    static T *child(QWidget &w, const char *name)
-    {
-        T *c = w.findChild<T *>(QLatin1String(name));
-        if (!c)
-            qFatal("no control %s", name);
-        return c;
-    }
 
     void writeHistory(const QString &name, const QByteArray &bytes)
     {
@@ -127,33 +95,28 @@ private slots:
         QCOMPARE(child<QLabel>(screen, "lblEX")->text(), QString("EX) Folder : C:\\QM730_Data   File Name :  QM730"));
     }
 
-    void dataSaveRefusesMissingEntries_data()
+    void dataSaveRefusalsAndCancelSaveNothing()
     {
-        QTest::addColumn<QString>("folder");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("message");
-        QTest::newRow("no folder") << "" << "QM730" << "選擇儲存路徑";
-        QTest::newRow("no file name") << "/data" << "" << "錄入檔案名稱";
-    }
-
-    void dataSaveRefusesMissingEntries()
-    {
-        QFETCH(QString, folder);
-        QFETCH(QString, name);
-        QFETCH(QString, message);
         auto state = makeState(home, {1});
         RunLogger logger(*state, [] { return true; });
         frmQM730_Set_DSave screen(logger);
         QSignalSpy saved(&screen, &frmQM730_Set_DSave::saved);
         screen.show();
-        child<QLabel>(screen, "lblFolder")->setText(folder);
-        child<QLineEdit>(screen, "txtFName")->setText(name);
-        ModalAnswer answer(QMessageBox::Ok);
-        child<QPushButton>(screen, "btnOK")->click();
-        QVERIFY(answer.seen);
-        QCOMPARE(answer.text, message);
-        QVERIFY(screen.isVisible());
+        // Without a file the screen shows the running values.
+        QCOMPARE(child<QLabel>(screen, "lblFolder")->text(), programPath(home, "QM730_DATA"));
+        ModalDriver d;
+        for (const auto &[folder, name] : {std::pair{"", "QM730"}, {"/data", ""}}) {
+            child<QLabel>(screen, "lblFolder")->setText(folder);
+            child<QLineEdit>(screen, "txtFName")->setText(name);
+            d.box();
+            child<QPushButton>(screen, "btnOK")->click();
+            QVERIFY(screen.isVisible());
+        }
+        QCOMPARE(d.met, QStringList({"選擇儲存路徑", "錄入檔案名稱"}));
+        child<QLineEdit>(screen, "txtFName")->setText("Changed");
+        child<QPushButton>(screen, "btnCancel")->click();
         QCOMPARE(saved.count(), 0);
+        QCOMPARE(logger.settings().SaveFileName, QString("QM730"));
         QVERIFY(!QFileInfo::exists(saveSettingsPath(home)));
     }
 
@@ -185,31 +148,10 @@ private slots:
         QCOMPARE(fileBytes(saveSettingsPath(home)),
                  ("Yes\r\n10\r\nsec\r\n" + home + "/new\r\nOven\r\n0\r\n25\r\n7\r\n").toUtf8());
         const SaveSettings &s = logger.settings();
-        QCOMPARE(s.SaveEnable, QString("Yes"));
-        QCOMPARE(s.SaveInterval, 10);
-        QCOMPARE(s.SaveUnit, QString("sec"));
-        QCOMPARE(s.SaveFolder, home + "/new");
-        QCOMPARE(s.SaveFileName, QString("Oven"));
+        QCOMPARE(QStringList({s.SaveEnable, QString::number(s.SaveInterval), s.SaveUnit, s.SaveFolder, s.SaveFileName}),
+                 QStringList({"Yes", "10", "sec", home + "/new", "Oven"}));
         // Until the next start the old naming stays.
-        QVERIFY(s.DailyFile);
-        QCOMPARE(s.DayStartHour, 8);
-        QCOMPARE(s.DayStartMinute, 30);
-    }
-
-    void dataSaveCancelKeepsEverything()
-    {
-        auto state = makeState(home, {1});
-        RunLogger logger(*state, [] { return true; });
-        frmQM730_Set_DSave screen(logger);
-        QSignalSpy saved(&screen, &frmQM730_Set_DSave::saved);
-        screen.show();
-        // Without a file the screen shows the running values.
-        QCOMPARE(child<QLabel>(screen, "lblFolder")->text(), programPath(home, "QM730_DATA"));
-        child<QLineEdit>(screen, "txtFName")->setText("Changed");
-        child<QPushButton>(screen, "btnCancel")->click();
-        QCOMPARE(saved.count(), 0);
-        QCOMPARE(logger.settings().SaveFileName, QString("QM730"));
-        QVERIFY(!QFileInfo::exists(saveSettingsPath(home)));
+        QVERIFY(s.DailyFile && s.DayStartHour == 8 && s.DayStartMinute == 30);
     }
 
     void folderPickerStartsAtTheFolderAndHandsItBack()
@@ -225,43 +167,7 @@ private slots:
 
     // ---- e-mail settings ----
 
-    void emailAddressesNeedAnAt()
-    {
-        QVERIFY(provisionMailDatabase(home + "/EMail.mdb"));
-        mdlADO db;
-        QVERIFY(db.open(home + "/EMail.mdb"));
-        MailNotifier mail(db, home);
-        frmQM730_Set_EMail screen(mail);
-        screen.show();
-        QCOMPARE(screen.windowTitle(), QString("E-mail setup"));
-        QCOMPARE(screen.findChildren<QLineEdit *>("txtToMail").size(), 10);
-        QCOMPARE(screen.findChildren<QCheckBox *>("chbItem").size(), 11);
-        QCOMPARE(screen.item(9)->text(), QString("Temp B.OUT"));
-
-        child<QCheckBox>(screen, "chbUseEMail")->setChecked(true);
-        QLineEdit *to = screen.toMail(0);
-        QVERIFY(to->isEnabled());
-        to->setFocus();
-        to->setText("op@example.com");
-        QTest::keyClick(to, Qt::Key_Return);
-        to->setText("no-at-sign");
-        QTest::keyClick(to, Qt::Key_Return);
-        QCOMPARE(to->text(), QString("op@example.com"));
-        to->setText("");
-        QTest::keyClick(to, Qt::Key_Return);
-        QCOMPARE(to->text(), QString(""));
-        auto *from = child<QLineEdit>(screen, "txtFromMail");
-        from->setFocus();
-        from->setText("plain");
-        QTest::keyClick(from, Qt::Key_Return);
-        QCOMPARE(from->text(), QString(""));
-
-        child<QCheckBox>(screen, "chbUseEMail")->setChecked(false);
-        QVERIFY(!to->isEnabled());
-        QVERIFY(!child<QLineEdit>(screen, "txtSMTP")->isEnabled());
-    }
-
-    void emailSendErrorAndSave()
+    void emailScreen()
     {
         const QString file = home + "/EMail.mdb";
         QVERIFY(provisionMailDatabase(file));
@@ -271,6 +177,10 @@ private slots:
         QVERIFY(db.saveSetMail("smtp", "a@b", "c@d;"));
         {
             frmQM730_Set_EMail clean(mail);
+            QCOMPARE(clean.windowTitle(), QString("E-mail setup"));
+            QCOMPARE(clean.findChildren<QLineEdit *>("txtToMail").size(), 10);
+            QCOMPARE(clean.findChildren<QCheckBox *>("chbItem").size(), 11);
+            QCOMPARE(clean.item(9)->text(), QString("Temp B.OUT"));
             QCOMPARE(child<QLabel>(clean, "lblSendNG")->text(), QString());
             QVERIFY(child<QPushButton>(clean, "btnDeleteMail")->isHidden());
         }
@@ -284,6 +194,23 @@ private slots:
         QVERIFY(drop->isVisible());
         drop->click();
         QCOMPARE(sql(file, "SELECT COUNT(*) FROM SendMail"), QVariantList{0});
+
+        // An address without "@" is refused on Enter: the field keeps its last good text.
+        child<QCheckBox>(screen, "chbUseEMail")->setChecked(true);
+        auto enter = [](QLineEdit *e, const QString &text) {
+            e->setFocus();
+            e->setText(text);
+            QTest::keyClick(e, Qt::Key_Return);
+            return e->text();
+        };
+        QLineEdit *to = screen.toMail(0);
+        QVERIFY(to->isEnabled());
+        QCOMPARE(enter(to, "op@example.com"), QString("op@example.com"));
+        QCOMPARE(enter(to, "no-at-sign"), QString("op@example.com"));
+        QCOMPARE(enter(to, ""), QString(""));
+        QCOMPARE(enter(child<QLineEdit>(screen, "txtFromMail"), "plain"), QString(""));
+        child<QCheckBox>(screen, "chbUseEMail")->setChecked(false);
+        QVERIFY(!to->isEnabled() && !child<QLineEdit>(screen, "txtSMTP")->isEnabled());
 
         child<QCheckBox>(screen, "chbUseEMail")->setChecked(true);
         child<QLineEdit>(screen, "txtSMTP")->setText("mail.example.com:2525");
@@ -306,17 +233,14 @@ private slots:
 
     // ---- history ----
 
-    void historyCreatesItsFolder()
-    {
-        frmQM730_History screen(home);
-        QCOMPARE(screen.windowTitle(), QString("歷史資料"));
-        QVERIFY(QFileInfo(home + "/ActionHistory").isDir());
-        QCOMPARE(child<QTableWidget>(screen, "sprdList")->rowCount(), 0);
-        QCOMPARE(child<QTableWidget>(screen, "sprdHistory")->rowCount(), 0);
-    }
-
     void historyListsAndLoadsFiles()
     {
+        {
+            frmQM730_History empty(home);
+            QCOMPARE(empty.windowTitle(), QString("歷史資料"));
+            QVERIFY(QFileInfo(home + "/ActionHistory").isDir()); // made at the first look
+            QCOMPARE(child<QTableWidget>(empty, "sprdList")->rowCount(), 0);
+        }
         writeHistory("H003.USE", "2026-03-01 10:00:00\tI/S 1 ON\r\nno tab here\r\n2026-03-01 10:00:02\tD/I 2 OFF\textra\r\n");
         writeHistory("H010.USE", "2026-03-02 11:00:00\tPROGRAMRUN Start.\r\n");
         writeHistory("notes.USE", "free text\r\n");
@@ -351,28 +275,25 @@ private slots:
         lines->selectionModel()->select(lines->model()->index(3, 0),
                                         QItemSelectionModel::Select | QItemSelectionModel::Rows);
 
-        {
-            ModalAnswer no(QMessageBox::No);
-            del->trigger();
-            QVERIFY(no.seen);
-            QCOMPARE(no.title, QString("確認"));
-            QCOMPARE(no.text, QString("刪除?"));
-        }
+        ModalDriver d;
+        QString title;
+        d.then([&title](QWidget *w) {
+            title = w->windowTitle();
+            static_cast<QMessageBox *>(w)->button(QMessageBox::No)->click();
+        });
+        del->trigger();
+        QCOMPARE(title + d.met.value(0), QString("確認刪除?"));
         QCOMPARE(lines->rowCount(), 4);
         QCOMPARE(fileBytes(home + "/ActionHistory/H003.USE"), original);
 
-        {
-            ModalAnswer yes(QMessageBox::Yes);
-            del->trigger();
-            QVERIFY(yes.seen);
-        }
+        d.box(QMessageBox::Yes);
+        del->trigger();
         QCOMPARE(column(lines, 0), (QStringList{"t1", "t3"}));
         QCOMPARE(fileBytes(home + "/ActionHistory/H003.USE"), QByteArray("t1\tA\r\nt3\tC\r\n"));
 
-        {
-            ModalAnswer yes(QMessageBox::Yes);
-            child<QPushButton>(screen, "btnDelAll")->click();
-        }
+        d.box(QMessageBox::Yes);
+        child<QPushButton>(screen, "btnDelAll")->click();
+        QVERIFY(d.done() && d.unexpected.isEmpty());
         QCOMPARE(lines->rowCount(), 0);
         QFileInfo emptied(home + "/ActionHistory/H003.USE");
         QVERIFY(emptied.exists());

@@ -3,6 +3,7 @@
 #include "Dictionary.h"
 #include "LiveStatus.h"
 #include "RunLogger.h"
+#include "Widgets.h"
 #include "frmQM730_RunSimple.h"
 #include <QApplication>
 #include <QFont>
@@ -25,10 +26,7 @@ struct RunBench {
 
     explicit RunBench(double firmware = 2.3)
     {
-        MachineSlot slot;
-        slot.MachineNumber = 7;
-        slot.MachineOnline = true;
-        state.setMachines({slot});
+        state.setMachines({{7, {}, true}});
         state.CurrentMachine = 7;
         state.image.applyFirmware(firmware);
         state.image.setTempDecimals(2);
@@ -36,19 +34,10 @@ struct RunBench {
             rrp(r, 0);
         for (int r = 1; r <= Rcv::Count; ++r)
             rcv(r, 0);
-        rrp(Rrp::TempPID, 1);
-        rrp(Rrp::HumiPID, 1);
-        rrp(Rrp::StartPattern, 1);
-        rrp(Rrp::StartSegment, 1);
-        rrp(Rrp::TempTargetSV, 12500);
-        rrp(Rrp::HumiTargetSV, 600);
-        rcv(Rcv::TempSV, 12500);
-        rcv(Rcv::TempPV, 12450);
-        rcv(Rcv::TempMV, 1250);
-        rcv(Rcv::HumiSV, 600);
-        rcv(Rcv::HumiPV, 583);
-        rcv(Rcv::HumiMV, 3020);
-        rcv(Rcv::RunMode, 1);
+        rrp({{Rrp::TempPID, 1}, {Rrp::HumiPID, 1}, {Rrp::StartPattern, 1}, {Rrp::StartSegment, 1},
+             {Rrp::TempTargetSV, 12500}, {Rrp::HumiTargetSV, 600}});
+        rcv({{Rcv::TempSV, 12500}, {Rcv::TempPV, 12450}, {Rcv::TempMV, 1250}, {Rcv::HumiSV, 600}, {Rcv::HumiPV, 583},
+             {Rcv::HumiMV, 3020}, {Rcv::RunMode, 1}});
         up(Param::btnSensorType2, 0, 1);   // a humidity sensor: not temperature-only
         up(Param::txtT_SV, 0, 1);
         up(Param::txtH_SV, 0, 1);
@@ -59,6 +48,11 @@ struct RunBench {
 
     void rrp(int row, qint64 v) { state.image.sprdRRP.setNumber(1, row, v); }
     void rcv(int row, qint64 v) { state.image.sprdRCV.setNumber(1, row, v); }
+    void rrp(std::initializer_list<std::pair<int, qint64>> rows)
+    {
+        for (const auto &[row, v] : rows)
+            rrp(row, v);
+    }
     void rcv(std::initializer_list<std::pair<int, qint64>> rows)
     {
         for (const auto &[row, v] : rows)
@@ -92,10 +86,7 @@ struct RunBench {
     template <typename T = QWidget>
     T *find(const char *name, int index) const
     {
-        for (T *w : form->findChildren<T *>(QLatin1String(name)))
-            if (w->property("Index").toInt() == index)
-                return w;
-        return nullptr;
+        return indexed<T>(*form, name, index);
     }
     QString text(const char *name) const
     {

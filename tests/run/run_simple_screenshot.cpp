@@ -16,23 +16,11 @@ int main(int argc, char **argv)
     const QString out = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("run-simple.png");
 
     RunBench b;
-    b.rcv(Rcv::RunMode, 0);
-    b.rrp(Rrp::Run, 1);
-    b.rrp(Rrp::StartPattern, 3);
-    b.rrp(Rrp::TempPID, 2);
-    b.rrp(Rrp::HumiPID, 4);
-    b.rrp(Rrp::HumiTargetSV, 850);
-    b.rcv(Rcv::RunPattern, 3);
-    b.rcv(Rcv::RunSegment, 2);
-    b.rcv(Rcv::SegTotalHours, 1);
-    b.rcv(Rcv::SegTotalMinutes, 30);
-    b.rcv(Rcv::PatternRepeatDone, 1);
-    b.rcv(Rcv::PatternRepeatTotal, 5);
-    b.rcv(Rcv::SegmentRepeatTotal, 1);
-    b.rcv(Rcv::IsOnBits, 0x1205);
-    b.rcv(Rcv::TsDsDrBits, 0x0003);
-    b.rcv(Rcv::DiBits, 0x0001);
-    b.rcv(Rcv::RampFlags, 0x88);
+    b.rrp({{Rrp::Run, 1}, {Rrp::StartPattern, 3}, {Rrp::TempPID, 2}, {Rrp::HumiPID, 4}, {Rrp::HumiTargetSV, 850}});
+    b.rcv({{Rcv::RunMode, 0}, {Rcv::RunPattern, 3}, {Rcv::RunSegment, 2}, {Rcv::SegTotalHours, 1},
+           {Rcv::SegTotalMinutes, 30}, {Rcv::PatternRepeatDone, 1}, {Rcv::PatternRepeatTotal, 5},
+           {Rcv::SegmentRepeatTotal, 1}, {Rcv::IsOnBits, 0x1205}, {Rcv::TsDsDrBits, 0x0003}, {Rcv::DiBits, 0x0001},
+           {Rcv::RampFlags, 0x88}});
     b.state.image.sprdTD.setText(1, 3 + 11, QStringLiteral("高溫高濕測試"));
     SaveSettings save = SaveSettings::defaults(b.home.path());
     save.SaveEnable = QStringLiteral("Yes");
@@ -51,16 +39,11 @@ int main(int argc, char **argv)
         const double f = s / 600.0;
         const double svT = 25 + 35 * f, svH = 60 + 25 * f;
         const double pvT = svT - 1.5 + 0.3 * std::sin(s / 9.0), pvH = svH - 3 + 0.8 * std::sin(s / 13.0);
-        b.rcv(Rcv::TempSV, std::lround((svT + 100) * 100));
-        b.rcv(Rcv::TempPV, std::lround((pvT + 100) * 100));
-        b.rcv(Rcv::HumiSV, std::lround(svH * 10));
-        b.rcv(Rcv::HumiPV, std::lround(pvH * 10));
-        b.rcv(Rcv::TempMV, std::lround((55 + 10 * std::sin(s / 30.0)) * 100));
-        b.rcv(Rcv::HumiMV, std::lround((40 + 8 * std::cos(s / 25.0)) * 100));
-        b.rcv(Rcv::RunHours, 1);
-        b.rcv(Rcv::RunMinutes, 12 + s / 60);
-        b.rcv(Rcv::RunSeconds, s % 60);
-        b.rcv(Rcv::SegElapsedMinutes, s / 60);
+        b.rcv({{Rcv::TempSV, std::lround((svT + 100) * 100)}, {Rcv::TempPV, std::lround((pvT + 100) * 100)},
+               {Rcv::HumiSV, std::lround(svH * 10)}, {Rcv::HumiPV, std::lround(pvH * 10)},
+               {Rcv::TempMV, std::lround((55 + 10 * std::sin(s / 30.0)) * 100)},
+               {Rcv::HumiMV, std::lround((40 + 8 * std::cos(s / 25.0)) * 100)}, {Rcv::RunHours, 1},
+               {Rcv::RunMinutes, 12 + s / 60}, {Rcv::RunSeconds, s % 60}, {Rcv::SegElapsedMinutes, s / 60}});
         b.graphTick();
         clock = clock.addSecs(1);
     }

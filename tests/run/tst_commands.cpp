@@ -11,280 +11,267 @@
 class TestRunCommands : public QObject {
     Q_OBJECT
 private slots:
-    void fieldsPostTheirWords_data();
-    void fieldsPostTheirWords();
-    void buttonsPostTheirWords();
-    void togglesFollowTheLitButton();
-    void editedFieldIsLeftAloneUntilEnter();
-    void leavingClampsByTheTable_data();
-    void leavingClampsByTheTable();
-    void graphIntervalCommit();
-    void patternNameIsAskedOncePerPattern();
-    void saveSettingsDialogRefreshesTheTable();
-    void missingGraphViewerIsReported();
-    void loadAndUnload();
-};
-
-void TestRunCommands::fieldsPostTheirWords_data()
-{
-    QTest::addColumn<QString>("protocol");
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<int>("address");
-    QTest::addColumn<int>("word");
-    for (const QString &protocol : {QStringLiteral("PC Link"), QStringLiteral("PC Link + crc"), QStringLiteral("Modbus RTU")}) {
-        const int base = protocol == QLatin1String("Modbus RTU") ? 40000 : 0;
-        auto add = [&](const char *field, const char *value, int row, int word) {
-            QTest::addRow("%s %s %s", qPrintable(protocol), field, value)
-                << protocol << QString::fromLatin1(field) << QString::fromLatin1(value) << base + row << word;
-        };
-        add("txtTSV", "25.5", 12, 12550);          // (25.5 + 100) x 100
-        add("txtTSV", "-12.345", 12, 8766);        // 8765.5 rounds to the even word
-        add("txtTOnly_Ctrl_SV", "40", 12, 14000);
-        add("txtHSV", "60", 13, 600);
-        add("txtHSV", "55.25", 13, 552);           // 552.5 rounds to the even word
-        add("txtPID_T", "5", 6, 5);
-        add("txtPID_H", "16", 7, 16);
-        add("txtS_PTN", "12", 8, 12);
-        add("txtTOnly_Ctrl_PTN", "3", 8, 3);
-        add("txtS_SEG", "99", 9, 99);
-        add("txtTOnly_Ctrl_SEG", "4", 9, 4);
+    void fieldsPostTheirWords_data()
+    {
+        QTest::addColumn<QString>("protocol");
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<int>("address");
+        QTest::addColumn<int>("word");
+        for (const QString &protocol : {QStringLiteral("PC Link"), QStringLiteral("PC Link + crc"), QStringLiteral("Modbus RTU")}) {
+            const int base = protocol == QLatin1String("Modbus RTU") ? 40000 : 0;
+            auto add = [&](const char *field, const char *value, int row, int word) {
+                QTest::addRow("%s %s %s", qPrintable(protocol), field, value)
+                    << protocol << QString::fromLatin1(field) << QString::fromLatin1(value) << base + row << word;
+            };
+            add("txtTSV", "25.5", 12, 12550);          // (25.5 + 100) x 100
+            add("txtTSV", "-12.345", 12, 8766);        // 8765.5 rounds to the even word
+            add("txtTOnly_Ctrl_SV", "40", 12, 14000);
+            add("txtHSV", "60", 13, 600);
+            add("txtHSV", "55.25", 13, 552);           // 552.5 rounds to the even word
+            add("txtPID_T", "5", 6, 5);
+            add("txtPID_H", "16", 7, 16);
+            add("txtS_PTN", "12", 8, 12);
+            add("txtTOnly_Ctrl_PTN", "3", 8, 3);
+            add("txtS_SEG", "99", 9, 99);
+            add("txtTOnly_Ctrl_SEG", "4", 9, 4);
+        }
     }
-}
 
-void TestRunCommands::fieldsPostTheirWords()
-{
-    QFETCH(QString, protocol);
-    QFETCH(QString, field);
-    QFETCH(QString, value);
-    QFETCH(int, address);
-    QFETCH(int, word);
-    RunBench b;
-    b.state.CommProtocol = protocol;
-    b.open();
-    b.enter(qPrintable(field), value);
-    QCOMPARE(b.mail(), (QList<int>{101, address, word}));
-}
+    void fieldsPostTheirWords()
+    {
+        QFETCH(QString, protocol);
+        QFETCH(QString, field);
+        QFETCH(QString, value);
+        QFETCH(int, address);
+        QFETCH(int, word);
+        RunBench b;
+        b.state.CommProtocol = protocol;
+        b.open();
+        b.enter(qPrintable(field), value);
+        QCOMPARE(b.mail(), (QList<int>{101, address, word}));
+    }
 
-void TestRunCommands::buttonsPostTheirWords()
-{
-    RunBench b;
-    b.state.CommProtocol = QStringLiteral("Modbus RTU");
-    b.open();
-    b.click("btnRun");
-    QCOMPARE(b.mail(), (QList<int>{101, 40001, 1}));
-    b.click("btnStop");
-    QCOMPARE(b.mail(), (QList<int>{101, 40001, 0}));
-    // The run mode is a row of the UP block.
-    b.click("btnRunMode", 1);
-    QCOMPARE(b.mail(), (QList<int>{102, 40101, 1}));
-    b.state.CommProtocol = QStringLiteral("PC Link");
-    b.click("btnRunMode", 0);
-    QCOMPARE(b.mail(), (QList<int>{102, 1, 0}));
-    b.enter("txtTSV", QStringLiteral("25.5"));
-    QCOMPARE(quint8(b.state.ReqData[0]), quint8(49));
-    QCOMPARE(quint8(b.state.ReqData[1]), quint8(6));
-}
+    void buttonsPostTheirWords()
+    {
+        RunBench b;
+        b.state.CommProtocol = QStringLiteral("Modbus RTU");
+        b.open();
+        b.click("btnRun");
+        QCOMPARE(b.mail(), (QList<int>{101, 40001, 1}));
+        b.click("btnStop");
+        QCOMPARE(b.mail(), (QList<int>{101, 40001, 0}));
+        // The run mode is a row of the UP block.
+        b.click("btnRunMode", 1);
+        QCOMPARE(b.mail(), (QList<int>{102, 40101, 1}));
+        b.state.CommProtocol = QStringLiteral("PC Link");
+        b.click("btnRunMode", 0);
+        QCOMPARE(b.mail(), (QList<int>{102, 1, 0}));
+        b.enter("txtTSV", QStringLiteral("25.5"));
+        QCOMPARE(quint8(b.state.ReqData[0]), quint8(49));
+        QCOMPARE(quint8(b.state.ReqData[1]), quint8(6));
+    }
 
-void TestRunCommands::togglesFollowTheLitButton()
-{
-    RunBench b;
-    b.rcv(Rcv::RunMode, 0);
-    b.rrp(Rrp::Run, 1);
-    b.open();
-    const std::pair<const char *, int> toggles[] = {{"btnStep", 2}, {"btnHold", 3}, {"btnTAT", 4}, {"btnHAT", 5}};
-    for (const auto &[name, row] : toggles) {
-        // Pressed twice within a second: the same word both times, even when
-        // the poll has already brought the new state into the table.
-        b.click(name);
-        QCOMPARE(b.mail(), (QList<int>{101, row, 1}));
-        b.rrp(row, 1);
+    void togglesFollowTheLitButton()
+    {
+        RunBench b;
+        b.rcv(Rcv::RunMode, 0);
+        b.rrp(Rrp::Run, 1);
+        b.open();
+        const std::pair<const char *, int> toggles[] = {{"btnStep", 2}, {"btnHold", 3}, {"btnTAT", 4}, {"btnHAT", 5}};
+        for (const auto &[name, row] : toggles) {
+            // Pressed twice within a second: the same word both times, even when
+            // the poll has already brought the new state into the table.
+            b.click(name);
+            QCOMPARE(b.mail(), (QList<int>{101, row, 1}));
+            b.rrp(row, 1);
+            b.state.ReqCmd = 0;
+            b.click(name);
+            QCOMPARE(b.mail(), (QList<int>{101, row, 1}));
+        }
+        b.tick();
+        for (const auto &[name, row] : toggles) {
+            QVERIFY2(b.lit(name), name);
+            b.click(name);
+            QCOMPARE(b.mail(), (QList<int>{101, row, 0}));
+        }
+    }
+
+    void editedFieldIsLeftAloneUntilEnter()
+    {
+        RunBench b;
+        frmQM730_RunSimple &form = b.open();
+        form.show();
+        QVERIFY(QTest::qWaitForWindowActive(&form));
+        auto *tsv = b.find<QLineEdit>("txtTSV");
+        QCOMPARE(tsv->text(), QStringLiteral("25.00"));
+
+        tsv->setFocus();
+        tsv->selectAll();
+        QTest::keyClicks(tsv, QStringLiteral("300"));
+        QVERIFY(form.editFlag(frmQM730_RunSimple::TSV));
+        b.rrp(Rrp::TempTargetSV, 13000);
+        b.tick();
+        QCOMPARE(tsv->text(), QStringLiteral("300"));
+        QCOMPARE(b.text("lblSV_T"), QStringLiteral("30.00")); // the rest of the screen goes on
+
+        // Leaving clamps, and the flag stays up: the field stays frozen.
+        b.find<QLineEdit>("txtHSV")->setFocus();
+        QTRY_COMPARE(tsv->text(), QStringLiteral("200"));
+        QVERIFY(form.editFlag(frmQM730_RunSimple::TSV));
+        b.tick();
+        QCOMPARE(tsv->text(), QStringLiteral("200"));
+        QVERIFY2(!(b.state.ReqCmd == 101 && b.state.ReqIndex == Rrp::TempTargetSV), "leaving must not send");
+
+        // Enter sends the value and gives the field back to the refresh.
+        QTest::keyClick(tsv, Qt::Key_Return);
+        QCOMPARE(b.mail(), (QList<int>{101, 12, 30000}));
+        QVERIFY(!form.editFlag(frmQM730_RunSimple::TSV));
+        b.tick();
+        QCOMPARE(tsv->text(), QStringLiteral("30.00"));
+    }
+
+    void leavingClampsByTheTable_data()
+    {
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("kept");
+        QTest::newRow("TSV low") << "txtTSV" << "-150" << "-100";
+        QTest::newRow("TSV inside") << "txtTSV" << "-99.5" << "-99.5";
+        QTest::newRow("temp-only SV high") << "txtTOnly_Ctrl_SV" << "250" << "200";
+        QTest::newRow("HSV high") << "txtHSV" << "100.1" << "100";
+        QTest::newRow("HSV low") << "txtHSV" << "-1" << "0";
+        QTest::newRow("PID low") << "txtPID_T" << "0" << "1";
+        QTest::newRow("PID high") << "txtPID_H" << "17" << "16";
+        QTest::newRow("pattern above the pattern count") << "txtS_PTN" << "101" << "100";
+        QTest::newRow("pattern inside") << "txtTOnly_Ctrl_PTN" << "100" << "100";
+        QTest::newRow("segment high") << "txtS_SEG" << "101" << "100";
+        QTest::newRow("segment low") << "txtTOnly_Ctrl_SEG" << "0" << "1";
+        QTest::newRow("graph interval") << "txtGrpInterval" << "0" << "1";
+    }
+
+    void leavingClampsByTheTable()
+    {
+        QFETCH(QString, field);
+        QFETCH(QString, typed);
+        QFETCH(QString, kept);
+        RunBench b; // firmware 2.3: 100 patterns
+        b.open();
+        auto *e = b.find<QLineEdit>(qPrintable(field));
+        e->setText(typed);
+        QFocusEvent leave(QEvent::FocusOut, Qt::TabFocusReason);
+        QApplication::sendEvent(e, &leave);
+        QCOMPARE(e->text(), kept);
+    }
+
+    void graphIntervalCommit()
+    {
+        RunBench b;
+        frmQM730_RunSimple &form = b.open();
+        form.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&form));
+        b.find<QPushButton>("btnSelectView", 2)->click();
+        auto *timer = form.findChild<QTimer *>(QStringLiteral("tmrDispGraph"));
+        QCOMPARE(timer->interval(), 1000);
+        QVERIFY(timer->isActive());
+        b.enter("txtGrpInterval", QStringLiteral("75"));
+        QCOMPARE(b.text("txtGrpInterval"), QStringLiteral("60"));
+        QCOMPARE(timer->interval(), 60000);
+        b.enter("txtGrpInterval", QStringLiteral("5"));
+        QCOMPARE(timer->interval(), 5000);
+        // Enter stays with the field: no button of the screen is pressed with it.
+        QVERIFY(b.shown("picGraph"));
+    }
+
+    void patternNameIsAskedOncePerPattern()
+    {
+        RunBench b;
+        b.state.image.sprdTD.setText(1, 12 + 11, QStringLiteral("高溫測試"));
+        b.rrp(Rrp::StartPattern, 12);
+        frmQM730_RunSimple &form = b.open();
+        QCOMPARE(b.mail(), (QList<int>{4, 12, 0}));
+        QCOMPARE(form.LastPatternAsked(), 12);
+        QCOMPARE(b.text("lblPTN_Name"), QStringLiteral("高溫測試"));
+
         b.state.ReqCmd = 0;
-        b.click(name);
-        QCOMPARE(b.mail(), (QList<int>{101, row, 1}));
+        b.tick();
+        QCOMPARE(b.state.ReqCmd, 0);
+
+        // A running pattern takes the place of the start pattern; Modbus asks with its own code.
+        b.state.CommProtocol = QStringLiteral("Modbus RTU");
+        b.rcv(Rcv::RunPattern, 30);
+        b.tick();
+        QCOMPARE(b.mail(), (QList<int>{9001, 30, 0}));
     }
-    b.tick();
-    for (const auto &[name, row] : toggles) {
-        QVERIFY2(b.lit(name), name);
-        b.click(name);
-        QCOMPARE(b.mail(), (QList<int>{101, row, 0}));
+
+    void saveSettingsDialogRefreshesTheTable()
+    {
+        RunBench b;
+        frmQM730_RunSimple &form = b.open();
+        auto *table = b.find<QTableWidget>("sprdSaveCFG");
+        auto row = [table] {
+            QStringList cells;
+            for (int c = 0; c < table->columnCount(); ++c)
+                cells << table->item(0, c)->text();
+            return cells;
+        };
+        QCOMPARE(row().first(), QStringLiteral("No"));
+
+        b.click("btnMdyCFG");
+        auto *dlg = form.findChild<frmQM730_Set_DSave *>();
+        QVERIFY(dlg && dlg->isVisible());
+        QCOMPARE(dlg->callWin(), QStringLiteral("frmQM730_RunSimple"));
+        const QString folder = b.home.filePath(QStringLiteral("data"));
+        dlg->findChild<QComboBox *>(QStringLiteral("cmbSave"))->setCurrentText(QStringLiteral("Yes"));
+        dlg->findChild<QLineEdit *>(QStringLiteral("txtSaveInterval"))->setText(QStringLiteral("15"));
+        dlg->findChild<QComboBox *>(QStringLiteral("cmbUnit"))->setCurrentText(QStringLiteral("sec"));
+        dlg->findChild<QLabel *>(QStringLiteral("lblFolder"))->setText(folder);
+        dlg->findChild<QLineEdit *>(QStringLiteral("txtFName"))->setText(QStringLiteral("OVEN"));
+        QTest::mouseClick(dlg->findChild<QPushButton *>(QStringLiteral("btnOK")), Qt::LeftButton);
+
+        // The saved dialog starts tmrRefresh_CFG, which redraws once and stops.
+        auto *refresh = form.findChild<QTimer *>(QStringLiteral("tmrRefresh_CFG"));
+        QVERIFY(refresh->isActive());
+        QTRY_COMPARE(row(), (QStringList{"Yes", "15", "sec", folder, "OVEN"}));
+        QVERIFY(!refresh->isActive());
     }
-}
 
-void TestRunCommands::editedFieldIsLeftAloneUntilEnter()
-{
-    RunBench b;
-    frmQM730_RunSimple &form = b.open();
-    form.show();
-    QVERIFY(QTest::qWaitForWindowActive(&form));
-    auto *tsv = b.find<QLineEdit>("txtTSV");
-    QCOMPARE(tsv->text(), QStringLiteral("25.00"));
+    void missingGraphViewerIsReported()
+    {
+        RunBench b;
+        frmQM730_RunSimple &form = b.open();
+        auto *viewer = b.find<QPushButton>("btnGrpView");
+        QCOMPARE(viewer->toolTip(), QStringLiteral("Graph Viewer"));
+        QTest::mouseClick(viewer, Qt::LeftButton);
+        auto *notice = form.findChild<QMessageBox *>();
+        QVERIFY(notice && notice->isVisible());
+        QVERIFY(notice->text().contains(QStringLiteral("QM730_GView.exe")));
+        notice->close();
+    }
 
-    tsv->setFocus();
-    tsv->selectAll();
-    QTest::keyClicks(tsv, QStringLiteral("300"));
-    QVERIFY(form.editFlag(frmQM730_RunSimple::TSV));
-    b.rrp(Rrp::TempTargetSV, 13000);
-    b.tick();
-    QCOMPARE(tsv->text(), QStringLiteral("300"));
-    QCOMPARE(b.text("lblSV_T"), QStringLiteral("30.00")); // the rest of the screen goes on
-
-    // Leaving clamps, and the flag stays up: the field stays frozen.
-    b.find<QLineEdit>("txtHSV")->setFocus();
-    QTRY_COMPARE(tsv->text(), QStringLiteral("200"));
-    QVERIFY(form.editFlag(frmQM730_RunSimple::TSV));
-    b.tick();
-    QCOMPARE(tsv->text(), QStringLiteral("200"));
-    QVERIFY2(!(b.state.ReqCmd == 101 && b.state.ReqIndex == Rrp::TempTargetSV), "leaving must not send");
-
-    // Enter sends the value and gives the field back to the refresh.
-    QTest::keyClick(tsv, Qt::Key_Return);
-    QCOMPARE(b.mail(), (QList<int>{101, 12, 30000}));
-    QVERIFY(!form.editFlag(frmQM730_RunSimple::TSV));
-    b.tick();
-    QCOMPARE(tsv->text(), QStringLiteral("30.00"));
-}
-
-void TestRunCommands::leavingClampsByTheTable_data()
-{
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<QString>("kept");
-    QTest::newRow("TSV low") << "txtTSV" << "-150" << "-100";
-    QTest::newRow("TSV inside") << "txtTSV" << "-99.5" << "-99.5";
-    QTest::newRow("temp-only SV high") << "txtTOnly_Ctrl_SV" << "250" << "200";
-    QTest::newRow("HSV high") << "txtHSV" << "100.1" << "100";
-    QTest::newRow("HSV low") << "txtHSV" << "-1" << "0";
-    QTest::newRow("PID low") << "txtPID_T" << "0" << "1";
-    QTest::newRow("PID high") << "txtPID_H" << "17" << "16";
-    QTest::newRow("pattern above the pattern count") << "txtS_PTN" << "101" << "100";
-    QTest::newRow("pattern inside") << "txtTOnly_Ctrl_PTN" << "100" << "100";
-    QTest::newRow("segment high") << "txtS_SEG" << "101" << "100";
-    QTest::newRow("segment low") << "txtTOnly_Ctrl_SEG" << "0" << "1";
-    QTest::newRow("graph interval") << "txtGrpInterval" << "0" << "1";
-}
-
-void TestRunCommands::leavingClampsByTheTable()
-{
-    QFETCH(QString, field);
-    QFETCH(QString, typed);
-    QFETCH(QString, kept);
-    RunBench b; // firmware 2.3: 100 patterns
-    b.open();
-    auto *e = b.find<QLineEdit>(qPrintable(field));
-    e->setText(typed);
-    QFocusEvent leave(QEvent::FocusOut, Qt::TabFocusReason);
-    QApplication::sendEvent(e, &leave);
-    QCOMPARE(e->text(), kept);
-}
-
-void TestRunCommands::graphIntervalCommit()
-{
-    RunBench b;
-    frmQM730_RunSimple &form = b.open();
-    form.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&form));
-    b.find<QPushButton>("btnSelectView", 2)->click();
-    auto *timer = form.findChild<QTimer *>(QStringLiteral("tmrDispGraph"));
-    QCOMPARE(timer->interval(), 1000);
-    QVERIFY(timer->isActive());
-    b.enter("txtGrpInterval", QStringLiteral("75"));
-    QCOMPARE(b.text("txtGrpInterval"), QStringLiteral("60"));
-    QCOMPARE(timer->interval(), 60000);
-    b.enter("txtGrpInterval", QStringLiteral("5"));
-    QCOMPARE(timer->interval(), 5000);
-    // Enter stays with the field: no button of the screen is pressed with it.
-    QVERIFY(b.shown("picGraph"));
-}
-
-void TestRunCommands::patternNameIsAskedOncePerPattern()
-{
-    RunBench b;
-    b.state.image.sprdTD.setText(1, 12 + 11, QStringLiteral("高溫測試"));
-    b.rrp(Rrp::StartPattern, 12);
-    frmQM730_RunSimple &form = b.open();
-    QCOMPARE(b.mail(), (QList<int>{4, 12, 0}));
-    QCOMPARE(form.LastPatternAsked(), 12);
-    QCOMPARE(b.text("lblPTN_Name"), QStringLiteral("高溫測試"));
-
-    b.state.ReqCmd = 0;
-    b.tick();
-    QCOMPARE(b.state.ReqCmd, 0);
-
-    // A running pattern takes the place of the start pattern; Modbus asks with its own code.
-    b.state.CommProtocol = QStringLiteral("Modbus RTU");
-    b.rcv(Rcv::RunPattern, 30);
-    b.tick();
-    QCOMPARE(b.mail(), (QList<int>{9001, 30, 0}));
-}
-
-void TestRunCommands::saveSettingsDialogRefreshesTheTable()
-{
-    RunBench b;
-    frmQM730_RunSimple &form = b.open();
-    auto *table = b.find<QTableWidget>("sprdSaveCFG");
-    auto row = [table] {
-        QStringList cells;
-        for (int c = 0; c < table->columnCount(); ++c)
-            cells << table->item(0, c)->text();
-        return cells;
-    };
-    QCOMPARE(row().first(), QStringLiteral("No"));
-
-    b.click("btnMdyCFG");
-    auto *dlg = form.findChild<frmQM730_Set_DSave *>();
-    QVERIFY(dlg && dlg->isVisible());
-    QCOMPARE(dlg->callWin(), QStringLiteral("frmQM730_RunSimple"));
-    const QString folder = b.home.filePath(QStringLiteral("data"));
-    dlg->findChild<QComboBox *>(QStringLiteral("cmbSave"))->setCurrentText(QStringLiteral("Yes"));
-    dlg->findChild<QLineEdit *>(QStringLiteral("txtSaveInterval"))->setText(QStringLiteral("15"));
-    dlg->findChild<QComboBox *>(QStringLiteral("cmbUnit"))->setCurrentText(QStringLiteral("sec"));
-    dlg->findChild<QLabel *>(QStringLiteral("lblFolder"))->setText(folder);
-    dlg->findChild<QLineEdit *>(QStringLiteral("txtFName"))->setText(QStringLiteral("OVEN"));
-    QTest::mouseClick(dlg->findChild<QPushButton *>(QStringLiteral("btnOK")), Qt::LeftButton);
-
-    // The saved dialog starts tmrRefresh_CFG, which redraws once and stops.
-    auto *refresh = form.findChild<QTimer *>(QStringLiteral("tmrRefresh_CFG"));
-    QVERIFY(refresh->isActive());
-    QTRY_COMPARE(row(), (QStringList{"Yes", "15", "sec", folder, "OVEN"}));
-    QVERIFY(!refresh->isActive());
-}
-
-void TestRunCommands::missingGraphViewerIsReported()
-{
-    RunBench b;
-    frmQM730_RunSimple &form = b.open();
-    auto *viewer = b.find<QPushButton>("btnGrpView");
-    QCOMPARE(viewer->toolTip(), QStringLiteral("Graph Viewer"));
-    QTest::mouseClick(viewer, Qt::LeftButton);
-    auto *notice = form.findChild<QMessageBox *>();
-    QVERIFY(notice && notice->isVisible());
-    QVERIFY(notice->text().contains(QStringLiteral("QM730_GView.exe")));
-    notice->close();
-}
-
-void TestRunCommands::loadAndUnload()
-{
-    RunBench b;
-    QTimer mainRefresh;
-    b.state.MainRefreshTimer = &mainRefresh;
-    b.state.setActiveRefreshTimer(nullptr);
-    QVERIFY(!frmQM730_RunSimple::isOpen());
-    frmQM730_RunSimple &form = b.open();
-    QVERIFY(frmQM730_RunSimple::isOpen());
-    QCOMPARE(form.windowTitle(), QStringLiteral("單機操作"));
-    QCOMPARE(form.SlotIndex(), 0);
-    auto *own = form.findChild<QTimer *>(QStringLiteral("tmrRefresh"));
-    QCOMPARE(b.state.ActiveRefreshTimer.data(), own);
-    b.state.startActiveRefresh();
-    QVERIFY(own->isActive());
-    form.tmrRefresh_Timer();
-    QVERIFY(!own->isActive());
-    form.reject();
-    QVERIFY(!frmQM730_RunSimple::isOpen());
-    QCOMPARE(b.state.ActiveRefreshTimer.data(), &mainRefresh);
-    QVERIFY(!form.findChild<QTimer *>(QStringLiteral("tmrDisp"))->isActive());
-}
+    void loadAndUnload()
+    {
+        RunBench b;
+        QTimer mainRefresh;
+        b.state.MainRefreshTimer = &mainRefresh;
+        b.state.setActiveRefreshTimer(nullptr);
+        QVERIFY(!frmQM730_RunSimple::isOpen());
+        frmQM730_RunSimple &form = b.open();
+        QVERIFY(frmQM730_RunSimple::isOpen());
+        QCOMPARE(form.windowTitle(), QStringLiteral("單機操作"));
+        QCOMPARE(form.SlotIndex(), 0);
+        auto *own = form.findChild<QTimer *>(QStringLiteral("tmrRefresh"));
+        QCOMPARE(b.state.ActiveRefreshTimer.data(), own);
+        b.state.startActiveRefresh();
+        QVERIFY(own->isActive());
+        form.tmrRefresh_Timer();
+        QVERIFY(!own->isActive());
+        form.reject();
+        QVERIFY(!frmQM730_RunSimple::isOpen());
+        QCOMPARE(b.state.ActiveRefreshTimer.data(), &mainRefresh);
+        QVERIFY(!form.findChild<QTimer *>(QStringLiteral("tmrDisp"))->isActive());
+    }
+};
 
 QTEST_MAIN(TestRunCommands)
 #include "tst_commands.moc"

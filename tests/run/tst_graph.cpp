@@ -37,215 +37,206 @@ struct GraphBench : RunBench {
 class TestRunGraph : public QObject {
     Q_OBJECT
 private slots:
-    void firstPointDrawsAShortLine();
-    void restartClearsAtTheFirstSecondOfTheNextRun();
-    void failedReadingLeavesAGapInItsSeriesOnly();
-    void failedFirstTemperatureGapsBothFirstPositions();
-    void pointsWaitForTheGraphTimer();
-    void chartLayoutAndDepth();
-    void scrollBarWindow();
-    void wholeRunKeepsTheOutline();
-};
-
-void TestRunGraph::firstPointDrawsAShortLine()
-{
-    GraphBench b;
-    QCOMPARE(b.graph().pointCount(), 0); // cleared, nothing due yet
-    b.second();
-    QCOMPARE(b.form->GraphPoints(), 1);
-    QCOMPARE(b.graph().pointCount(), 2);
-    for (int pos : {0, 1}) {
-        QCOMPARE(b.graph().value(0, pos), 25.0);
-        QCOMPARE(b.graph().value(1, pos), 60.0);
-        QCOMPARE(b.graph().value(2, pos), 24.5);
-        QCOMPARE(b.graph().value(3, pos), 58.3);
-    }
-    QCOMPARE(b.graph().timeLabel(1), QStringLiteral("08:00:01"));
-    QCOMPARE(b.graph().timeLabel(0), QStringLiteral("08:00:00"));
-    QCOMPARE(b.graph().drawnRun(2, 0), (QList<QPointF>{{0, 24.5}, {1, 24.5}}));
-
-    b.rcv(Rcv::TempPV, 12600);
-    b.second();
-    QCOMPARE(b.graph().pointCount(), 3);
-    QCOMPARE(b.graph().value(2, 2), 26.0);
-    QCOMPARE(b.graph().timeLabel(2), QStringLiteral("08:00:02"));
-}
-
-void TestRunGraph::restartClearsAtTheFirstSecondOfTheNextRun()
-{
-    GraphBench b;
-    for (int i = 0; i < 3; ++i)
+    void firstPointDrawsAShortLine()
+    {
+        GraphBench b;
+        QCOMPARE(b.graph().pointCount(), 0); // cleared, nothing due yet
         b.second();
-    QCOMPARE(b.graph().pointCount(), 4);
+        QCOMPARE(b.form->GraphPoints(), 1);
+        QCOMPARE(b.graph().pointCount(), 2);
+        for (int pos : {0, 1}) {
+            QCOMPARE(b.graph().value(0, pos), 25.0);
+            QCOMPARE(b.graph().value(1, pos), 60.0);
+            QCOMPARE(b.graph().value(2, pos), 24.5);
+            QCOMPARE(b.graph().value(3, pos), 58.3);
+        }
+        QCOMPARE(b.graph().timeLabel(1), QStringLiteral("08:00:01"));
+        QCOMPARE(b.graph().timeLabel(0), QStringLiteral("08:00:00"));
+        QCOMPARE(b.graph().drawnRun(2, 0), (QList<QPointF>{{0, 24.5}, {1, 24.5}}));
 
-    // Stopped: the trace stays on screen, the next run starts afresh.
-    b.rrp(Rrp::Run, 0);
-    b.second();
-    QCOMPARE(b.form->GraphPoints(), 0);
-    QCOMPARE(b.graph().pointCount(), 4);
-    b.second();
-    QCOMPARE(b.graph().pointCount(), 4);
+        b.rcv(Rcv::TempPV, 12600);
+        b.second();
+        QCOMPARE(b.graph().pointCount(), 3);
+        QCOMPARE(b.graph().value(2, 2), 26.0);
+        QCOMPARE(b.graph().timeLabel(2), QStringLiteral("08:00:02"));
+    }
 
-    b.rrp(Rrp::Run, 1);
-    b.rcv(Rcv::TempPV, 13000);
-    b.second();
-    QCOMPARE(b.form->GraphPoints(), 1);
-    QCOMPARE(b.graph().pointCount(), 2);
-    QCOMPARE(b.graph().value(2, 0), 30.0);
-    QCOMPARE(b.graph().value(2, 1), 30.0);
-    QCOMPARE(b.graph().drawnPoints(2), 2);
-}
+    void restartClearsAtTheFirstSecondOfTheNextRun()
+    {
+        GraphBench b;
+        for (int i = 0; i < 3; ++i)
+            b.second();
+        QCOMPARE(b.graph().pointCount(), 4);
 
-void TestRunGraph::failedReadingLeavesAGapInItsSeriesOnly()
-{
-    GraphBench b;
-    b.second();
-    b.rcv(Rcv::HumiPV, 65535);
-    b.second();
-    QCOMPARE(b.text("lblPV_H"), QStringLiteral("---.-"));
-    b.rcv(Rcv::HumiPV, 590);
-    b.second();
-    QVERIFY(TrendChart::isGap(b.graph().value(3, 2)));
-    for (int s : {0, 1, 2})
-        QVERIFY(!TrendChart::isGap(b.graph().value(s, 2)));
-    QCOMPARE(b.graph().value(3, 3), 59.0);
-    QCOMPARE(b.graph().drawnRuns(3), 2);
-    for (int s : {0, 1, 2})
-        QCOMPARE(b.graph().drawnRuns(s), 1);
-    QCOMPARE(b.graph().drawnPoints(3), 3);
-}
+        // Stopped: the trace stays on screen, the next run starts afresh.
+        b.rrp(Rrp::Run, 0);
+        b.second();
+        QCOMPARE(b.form->GraphPoints(), 0);
+        QCOMPARE(b.graph().pointCount(), 4);
+        b.second();
+        QCOMPARE(b.graph().pointCount(), 4);
 
-void TestRunGraph::failedFirstTemperatureGapsBothFirstPositions()
-{
-    GraphBench b;
-    b.rcv(Rcv::TempPV, 65535);
-    b.second();
-    QVERIFY(TrendChart::isGap(b.graph().value(2, 0)));
-    QVERIFY(TrendChart::isGap(b.graph().value(2, 1)));
-    QCOMPARE(b.graph().value(0, 0), 25.0);
-    QCOMPARE(b.graph().value(1, 1), 60.0);
-    QCOMPARE(b.graph().drawnRuns(2), 0);
-    b.rcv(Rcv::TempPV, 12450);
-    b.second();
-    QCOMPARE(b.graph().value(2, 2), 24.5);
-}
+        b.rrp(Rrp::Run, 1);
+        b.rcv(Rcv::TempPV, 13000);
+        b.second();
+        QCOMPARE(b.form->GraphPoints(), 1);
+        QCOMPARE(b.graph().pointCount(), 2);
+        QCOMPARE(b.graph().value(2, 0), 30.0);
+        QCOMPARE(b.graph().value(2, 1), 30.0);
+        QCOMPARE(b.graph().drawnPoints(2), 2);
+    }
 
-void TestRunGraph::pointsWaitForTheGraphTimer()
-{
-    GraphBench b;
-    b.enter("txtGrpInterval", QStringLiteral("60"));
-    QCOMPARE(b.form->findChild<QTimer *>(QStringLiteral("tmrDispGraph"))->interval(), 60000);
-    // Thirty display ticks without the graph timer: cleared, and no point.
-    for (int i = 0; i < 30; ++i)
+    void failedReadingLeavesAGapInItsSeriesOnly()
+    {
+        GraphBench b;
+        b.second();
+        b.rcv(Rcv::HumiPV, 65535);
+        b.second();
+        QCOMPARE(b.text("lblPV_H"), QStringLiteral("---.-"));
+        b.rcv(Rcv::HumiPV, 590);
+        b.second();
+        QVERIFY(TrendChart::isGap(b.graph().value(3, 2)));
+        for (int s : {0, 1, 2})
+            QVERIFY(!TrendChart::isGap(b.graph().value(s, 2)));
+        QCOMPARE(b.graph().value(3, 3), 59.0);
+        QCOMPARE(b.graph().drawnRuns(3), 2);
+        for (int s : {0, 1, 2})
+            QCOMPARE(b.graph().drawnRuns(s), 1);
+        QCOMPARE(b.graph().drawnPoints(3), 3);
+    }
+
+    void failedFirstTemperatureGapsBothFirstPositions()
+    {
+        GraphBench b;
+        b.rcv(Rcv::TempPV, 65535);
+        b.second();
+        QVERIFY(TrendChart::isGap(b.graph().value(2, 0)));
+        QVERIFY(TrendChart::isGap(b.graph().value(2, 1)));
+        QCOMPARE(b.graph().value(0, 0), 25.0);
+        QCOMPARE(b.graph().value(1, 1), 60.0);
+        QCOMPARE(b.graph().drawnRuns(2), 0);
+        b.rcv(Rcv::TempPV, 12450);
+        b.second();
+        QCOMPARE(b.graph().value(2, 2), 24.5);
+    }
+
+    void pointsWaitForTheGraphTimer()
+    {
+        GraphBench b;
+        b.enter("txtGrpInterval", QStringLiteral("60"));
+        QCOMPARE(b.form->findChild<QTimer *>(QStringLiteral("tmrDispGraph"))->interval(), 60000);
+        // Thirty display ticks without the graph timer: cleared, and no point.
+        for (int i = 0; i < 30; ++i)
+            b.tick();
+        QCOMPARE(b.graph().pointCount(), 0);
+        QCOMPARE(b.form->GraphPoints(), 0);
+        // The timer fires between ticks; the point comes with the next tick.
+        b.form->tmrDispGraph_Timer();
+        QVERIFY(b.form->GraphTick());
+        QCOMPARE(b.graph().pointCount(), 0);
         b.tick();
-    QCOMPARE(b.graph().pointCount(), 0);
-    QCOMPARE(b.form->GraphPoints(), 0);
-    // The timer fires between ticks; the point comes with the next tick.
-    b.form->tmrDispGraph_Timer();
-    QVERIFY(b.form->GraphTick());
-    QCOMPARE(b.graph().pointCount(), 0);
-    b.tick();
-    QVERIFY(!b.form->GraphTick());
-    QCOMPARE(b.graph().pointCount(), 2);
-    b.tick();
-    QCOMPARE(b.graph().pointCount(), 2);
-}
-
-void TestRunGraph::chartLayoutAndDepth()
-{
-    GraphBench b;
-    b.second();
-    TrendChart &g = b.graph();
-    QCOMPARE(g.view()->objectName(), QStringLiteral("ChartFX1"));
-    QVERIFY(b.find("picGraph")->isAncestorOf(g.view()));
-    QCOMPARE(g.temperatureAxis()->titleText(), QStringLiteral("溫度 (℃)"));
-    QCOMPARE(g.humidityAxis()->titleText(), QStringLiteral("濕度 (%RH)"));
-    QCOMPARE(g.timeAxis()->titleText(), QStringLiteral("時間"));
-    QCOMPARE(g.timeAxis()->categoriesLabels().first(), QStringLiteral("08:00:00"));
-    // Legends from the labels' names; each series on the axis of its quantity.
-    const char *labels[] = {"lblG_SV_T", "lblG_SV_H", "lblG_PV_T", "lblG_PV_H"};
-    for (int s = 0; s < TrendChart::SeriesCount; ++s) {
-        QVERIFY(b.text(labels[s]).startsWith(g.legend(s) + QStringLiteral(" : ")));
-        const auto axes = static_cast<QLineSeries *>(g.chart()->series()[s])->attachedAxes();
-        QVERIFY(axes.contains(s % 2 ? static_cast<QAbstractAxis *>(g.humidityAxis()) : g.temperatureAxis()));
+        QVERIFY(!b.form->GraphTick());
+        QCOMPARE(b.graph().pointCount(), 2);
+        b.tick();
+        QCOMPARE(b.graph().pointCount(), 2);
     }
-    QCOMPARE(g.legend(0), QStringLiteral("溫度 SV"));
-    QCOMPARE(g.legend(3), QStringLiteral("濕度 PV"));
 
-    // Depth: thicker lines with a shadow, and back.
-    auto width = [&] { return static_cast<QLineSeries *>(g.chart()->series().first())->pen().widthF(); };
-    const double flat = width();
-    b.find<QCheckBox>("chb3D")->click();
-    QVERIFY(g.is3D() && g.chart()->graphicsEffect() && width() > flat);
-    b.find<QCheckBox>("chb3D")->click();
-    QVERIFY(!g.is3D() && !g.chart()->graphicsEffect() && width() == flat);
-}
-
-void TestRunGraph::scrollBarWindow()
-{
-    GraphBench b;
-    TrendChart &g = b.graph();
-    b.find<QPushButton>("btnSelectView", 2)->click();
-    g.setWindowPoints(100);
-    for (int i = 0; i < 499; ++i)
+    void chartLayoutAndDepth()
+    {
+        GraphBench b;
         b.second();
-    QCOMPARE(g.pointCount(), 500);
-    QVERIFY(!g.scrollBar()->isVisibleTo(b.form.get()));
-    QCOMPARE(g.firstShown(), 0);
-    QCOMPARE(g.lastShown(), 499);
+        TrendChart &g = b.graph();
+        QCOMPARE(g.view()->objectName(), QStringLiteral("ChartFX1"));
+        QVERIFY(b.find("picGraph")->isAncestorOf(g.view()));
+        QCOMPARE(g.temperatureAxis()->titleText(), QStringLiteral("溫度 (℃)"));
+        QCOMPARE(g.humidityAxis()->titleText(), QStringLiteral("濕度 (%RH)"));
+        QCOMPARE(g.timeAxis()->titleText(), QStringLiteral("時間"));
+        QCOMPARE(g.timeAxis()->categoriesLabels().first(), QStringLiteral("08:00:00"));
+        // Legends from the labels' names; each series on the axis of its quantity.
+        const char *labels[] = {"lblG_SV_T", "lblG_SV_H", "lblG_PV_T", "lblG_PV_H"};
+        for (int s = 0; s < TrendChart::SeriesCount; ++s) {
+            QVERIFY(b.text(labels[s]).startsWith(g.legend(s) + QStringLiteral(" : ")));
+            const auto axes = static_cast<QLineSeries *>(g.chart()->series()[s])->attachedAxes();
+            QVERIFY(axes.contains(s % 2 ? static_cast<QAbstractAxis *>(g.humidityAxis()) : g.temperatureAxis()));
+        }
+        QCOMPARE(g.legend(0), QStringLiteral("溫度 SV"));
+        QCOMPARE(g.legend(3), QStringLiteral("濕度 PV"));
 
-    auto *scroll = b.find<QCheckBox>("chbScroll");
-    QCOMPARE(scroll->text(), QStringLiteral("滾動條"));
-    scroll->click();
-    QVERIFY(g.isScrollBarOn());
-    QVERIFY(g.scrollBar()->isVisibleTo(b.form.get()));
-    QCOMPARE(g.firstShown(), 400);
-    QCOMPARE(g.lastShown(), 499);
-    QCOMPARE(g.drawnPoints(2), 100);
-
-    // New points keep the window at the newest end.
-    b.second();
-    QCOMPARE(g.lastShown(), 500);
-    // Scrolled back, the window stays where the operator put it.
-    g.scrollBar()->setValue(50);
-    QCOMPARE(g.firstShown(), 50);
-    QCOMPARE(g.lastShown(), 149);
-    QCOMPARE(g.timeAxis()->min(), 50.0);
-    b.second();
-    QCOMPARE(g.firstShown(), 50);
-    g.scrollBar()->setValue(g.scrollBar()->maximum());
-    b.second();
-    QCOMPARE(g.lastShown(), 502);
-
-    scroll->click();
-    QVERIFY(!g.isScrollBarOn());
-    QCOMPARE(g.firstShown(), 0);
-    QCOMPARE(g.lastShown(), 502);
-}
-
-void TestRunGraph::wholeRunKeepsTheOutline()
-{
-    TrendChart g;
-    g.resize(800, 400);
-    const QDateTime start(QDate(2026, 3, 1), QTime(0, 0, 0));
-    const int n = 86400;
-    for (int i = 0; i < n; ++i) {
-        const double t = 20 + 10 * std::sin(i / 3000.0);
-        g.setPoint(i, {t, 50, t, i == 40000 ? TrendChart::NoValue : 55}, start.addSecs(i));
+        // Depth: thicker lines with a shadow, and back.
+        auto width = [&] { return static_cast<QLineSeries *>(g.chart()->series().first())->pen().widthF(); };
+        const double flat = width();
+        b.find<QCheckBox>("chb3D")->click();
+        QVERIFY(g.is3D() && g.chart()->graphicsEffect() && width() > flat);
+        b.find<QCheckBox>("chb3D")->click();
+        QVERIFY(!g.is3D() && !g.chart()->graphicsEffect() && width() == flat);
     }
-    g.setPoint(43210, {20, 50, 150, 55}, start.addSecs(43210)); // a one-second spike
-    g.refresh();
-    QCOMPARE(g.firstShown(), 0);
-    QCOMPARE(g.lastShown(), n - 1);
-    // Thinned to the screen, yet the spike and the gap survive.
-    QVERIFY(g.drawnPoints(2) < 4000);
-    bool spike = false;
-    for (const QPointF &p : g.drawnRun(2, 0))
-        spike |= p.x() == 43210 && p.y() == 150;
-    QVERIFY(spike);
-    QCOMPARE(g.drawnRuns(3), 2);
-    QVERIFY(g.temperatureAxis()->max() >= 150);
-}
+
+    void scrollBarWindow()
+    {
+        GraphBench b;
+        TrendChart &g = b.graph();
+        b.find<QPushButton>("btnSelectView", 2)->click();
+        g.setWindowPoints(100);
+        for (int i = 0; i < 499; ++i)
+            b.second();
+        QCOMPARE(g.pointCount(), 500);
+        QVERIFY(!g.scrollBar()->isVisibleTo(b.form.get()));
+        QCOMPARE(g.firstShown(), 0);
+        QCOMPARE(g.lastShown(), 499);
+
+        auto *scroll = b.find<QCheckBox>("chbScroll");
+        QCOMPARE(scroll->text(), QStringLiteral("滾動條"));
+        scroll->click();
+        QVERIFY(g.isScrollBarOn());
+        QVERIFY(g.scrollBar()->isVisibleTo(b.form.get()));
+        QCOMPARE(g.firstShown(), 400);
+        QCOMPARE(g.lastShown(), 499);
+        QCOMPARE(g.drawnPoints(2), 100);
+
+        // New points keep the window at the newest end.
+        b.second();
+        QCOMPARE(g.lastShown(), 500);
+        // Scrolled back, the window stays where the operator put it.
+        g.scrollBar()->setValue(50);
+        QCOMPARE(g.firstShown(), 50);
+        QCOMPARE(g.lastShown(), 149);
+        QCOMPARE(g.timeAxis()->min(), 50.0);
+        b.second();
+        QCOMPARE(g.firstShown(), 50);
+        g.scrollBar()->setValue(g.scrollBar()->maximum());
+        b.second();
+        QCOMPARE(g.lastShown(), 502);
+
+        scroll->click();
+        QVERIFY(!g.isScrollBarOn());
+        QCOMPARE(g.firstShown(), 0);
+        QCOMPARE(g.lastShown(), 502);
+    }
+
+    void wholeRunKeepsTheOutline()
+    {
+        TrendChart g;
+        g.resize(800, 400);
+        const QDateTime start(QDate(2026, 3, 1), QTime(0, 0, 0));
+        const int n = 86400;
+        for (int i = 0; i < n; ++i) {
+            const double t = 20 + 10 * std::sin(i / 3000.0);
+            g.setPoint(i, {t, 50, t, i == 40000 ? TrendChart::NoValue : 55}, start.addSecs(i));
+        }
+        g.setPoint(43210, {20, 50, 150, 55}, start.addSecs(43210)); // a one-second spike
+        g.refresh();
+        QCOMPARE(g.firstShown(), 0);
+        QCOMPARE(g.lastShown(), n - 1);
+        // Thinned to the screen, yet the spike and the gap survive.
+        QVERIFY(g.drawnPoints(2) < 4000);
+        bool spike = false;
+        for (const QPointF &p : g.drawnRun(2, 0))
+            spike |= p.x() == 43210 && p.y() == 150;
+        QVERIFY(spike);
+        QCOMPARE(g.drawnRuns(3), 2);
+        QVERIFY(g.temperatureAxis()->max() >= 150);
+    }
+};
 
 QTEST_MAIN(TestRunGraph)
 #include "tst_graph.moc"

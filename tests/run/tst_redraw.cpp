@@ -6,228 +6,6 @@
 #include <QTabWidget>
 #include <QTimer>
 
-class TestRunRedraw : public QObject {
-    Q_OBJECT
-private slots:
-    void wordsReachTheirControls();
-    void burnOutShowsDashesAndHidesTheRamp();
-    void humidityOutOfControlRange_data();
-    void humidityOutOfControlRange();
-    void runStatusOnlyZeroOrOne();
-    void linkLostFreezesTheScreen();
-    void modeDecidesWhatIsShown();
-    void temperatureOnlyView();
-    void lampsAndPanelPages();
-    void legacyPanelHasOnePage();
-    void rampFlags_data();
-    void rampFlags();
-    void reservationPanel();
-    void picturesBesideTheProgramWin();
-};
-
-void TestRunRedraw::wordsReachTheirControls()
-{
-    RunBench b;
-    b.rcv({{Rcv::RunHours, 12}, {Rcv::RunMinutes, 5}, {Rcv::RunSeconds, 9}, {Rcv::SegElapsedHours, 1},
-           {Rcv::SegElapsedMinutes, 2}, {Rcv::SegTotalHours, 3}, {Rcv::SegTotalMinutes, 4}, {Rcv::RunPattern, 5},
-           {Rcv::RunSegment, 6}, {Rcv::PatternRepeatDone, 1}, {Rcv::PatternRepeatTotal, 2},
-           {Rcv::SegmentRepeatDone, 3}, {Rcv::SegmentRepeatTotal, 4}, {Rcv::TempSV, 11000}, {Rcv::HumiSV, 450}});
-    b.rrp(Rrp::TempPID, 3);
-    b.open();
-    const std::pair<const char *, const char *> stopped[] = {
-        {"lblTPV", "24.50"}, {"lblNSV_T", "10.00"}, {"lblSV_T", "25.00"}, {"lblMV_T", "12.50"},
-        {"lblHPV", "58.3"}, {"lblNSV_H", "45.0"}, {"lblSV_H", "60.0"}, {"lblMV_H", "30.20"},
-        {"lblPID_T", "03"}, {"lblTonly_Sts_PID", "03"}, {"txtPID_T", "3"}, {"lblRunTime", "0012:05:09"},
-        {"lblRunTime_STS", "0012:05:09"}, {"lblSeg_Time", "0001:02/0003:04"}, {"lblPTN_SEG", "005:006"},
-        {"lblPTN_RPT", "001/002"}, {"lblSEG_RPT", "003/004"}, {"lblG_SV_T", "溫度 SV : 10.00"},
-        {"lblG_PV_H", "濕度 PV : 58.3"},
-        // Stopped, the setpoint fields show the targets.
-        {"txtTSV", "25.00"}, {"txtTOnly_Ctrl_SV", "25.00"}, {"txtHSV", "60.0"}};
-    for (const auto &[name, text] : stopped)
-        QCOMPARE(b.text(name), QString::fromUtf8(text));
-
-    // Running, the present setpoints, with the controller's resolution.
-    b.rrp(Rrp::Run, 1);
-    b.state.image.setTempDecimals(1);
-    b.tick();
-    const std::pair<const char *, const char *> running[] = {
-        {"txtTSV", "10.0"}, {"txtTOnly_Ctrl_SV", "10.0"}, {"txtHSV", "45.0"}, {"lblTPV", "24.5"}};
-    for (const auto &[name, text] : running)
-        QCOMPARE(b.text(name), QString::fromUtf8(text));
-    QVERIFY(b.find<QPushButton>("btnDate")->text().startsWith(QDate::currentDate().toString(Qt::ISODate)));
-}
-
-void TestRunRedraw::burnOutShowsDashesAndHidesTheRamp()
-{
-    RunBench b;
-    b.open();
-    QVERIFY(b.shown("picUPDN_T") && b.shown("picUPDN_H"));
-    b.rcv({{Rcv::TempPV, 65535}, {Rcv::HumiPV, 65535}});
-    b.tick();
-    QCOMPARE(b.text("lblTPV"), QStringLiteral("---.--"));
-    QCOMPARE(b.text("lblPV_T"), QStringLiteral("---.--"));
-    QCOMPARE(b.text("lblHPV"), QStringLiteral("---.-"));
-    QCOMPARE(b.text("lblPV_H"), QStringLiteral("---.-"));
-    QVERIFY(!b.shown("picUPDN_T") && !b.shown("picUPDN_H"));
-    b.rcv({{Rcv::TempPV, 12000}, {Rcv::HumiPV, 500}});
-    b.tick();
-    QCOMPARE(b.text("lblTPV"), QStringLiteral("20.00"));
-    QCOMPARE(b.text("lblHPV"), QStringLiteral("50.0"));
-    QVERIFY(b.shown("picUPDN_T") && b.shown("picUPDN_H"));
-}
-
-void TestRunRedraw::humidityOutOfControlRange_data()
-{
-    QTest::addColumn<double>("firmware");
-    QTest::addColumn<int>("targetHumidity"); // value x 10
-    QTest::addColumn<int>("tempPv");         // (value + 100) x 100
-    QTest::addColumn<int>("upperLimit");     // the dry-bulb range of humidity control, same encoding
-    QTest::addColumn<QString>("shown");
-    QTest::newRow("under control") << 2.3 << 600 << 12450 << 18000 << "58.3";
-    QTest::newRow("target 0") << 2.3 << 0 << 12450 << 18000 << "---.-";
-    QTest::newRow("target 100") << 2.3 << 1000 << 12450 << 18000 << "---.-";
-    QTest::newRow("below the lower limit") << 2.3 << 600 << 10400 << 18000 << "---.-";
-    QTest::newRow("above the upper limit") << 2.3 << 600 << 18100 << 18000 << "---.-";
-    QTest::newRow("above 100 degrees") << 2.3 << 600 << 20100 << 25000 << "---.-";
-    QTest::newRow("legacy rows, under control") << 2.1 << 600 << 12450 << 18000 << "58.3";
-    QTest::newRow("legacy rows, above the limit") << 2.1 << 600 << 18100 << 18000 << "---.-";
-}
-
-void TestRunRedraw::humidityOutOfControlRange()
-{
-    QFETCH(double, firmware);
-    QFETCH(int, targetHumidity);
-    QFETCH(int, tempPv);
-    QFETCH(int, upperLimit);
-    QFETCH(QString, shown);
-    RunBench b(firmware); // lower limit 5 degrees
-    // The rows of the other layout hold limits that would decide otherwise.
-    for (int row : firmware < 2.2 ? QList<int>{70, 71} : QList<int>{52, 53})
-        b.state.image.sprdUP.setNumber(1, row, 10000);
-    b.up(Param::txtDryTemp_Range, 1, upperLimit);
-    b.rrp(Rrp::HumiTargetSV, targetHumidity);
-    b.rcv(Rcv::TempPV, tempPv);
-    b.open();
-    QCOMPARE(b.text("lblHPV"), shown);
-    QCOMPARE(b.text("lblPV_H"), shown);
-    QCOMPARE(b.shown("picUPDN_H"), shown != QLatin1String("---.-"));
-}
-
-void TestRunRedraw::runStatusOnlyZeroOrOne()
-{
-    RunBench b;
-    frmQM730_RunSimple &form = b.open();
-    // Any word other than 0 and 1 leaves the buttons and ChamberRunning as they were.
-    for (auto [word, running] : {std::pair{0, false}, {2, false}, {1, true}, {2, true}, {65535, true}, {0, false}}) {
-        b.rrp(Rrp::Run, word);
-        b.tick();
-        QCOMPARE(form.ChamberRunning(), running);
-        QCOMPARE(b.lit("btnRun"), running);
-        QCOMPARE(b.lit("btnStop"), !running);
-    }
-}
-
-void TestRunRedraw::linkLostFreezesTheScreen()
-{
-    RunBench b;
-    b.rrp(Rrp::Run, 1);
-    frmQM730_RunSimple &form = b.open();
-    auto *smile = b.find<QLabel>("Image1");
-    QCOMPARE(smile->toolTip(), QStringLiteral("通訊 : 良好"));
-    b.graphTick();
-    const int points = form.graph()->pointCount();
-    QVERIFY(points > 0);
-
-    b.setOnline(false);
-    b.rcv(Rcv::TempPV, 13000);
-    b.rrp(Rrp::Run, 0);
-    b.graphTick();
-    QCOMPARE(smile->toolTip(), QStringLiteral("通訊 : 不良"));
-    QCOMPARE(smile->pixmap().toImage(), RunPictures::load(RunPictures::SmileNg).toImage());
-    QCOMPARE(b.text("lblTPV"), QStringLiteral("24.50"));
-    QVERIFY(b.lit("btnRun"));
-    QCOMPARE(form.graph()->pointCount(), points);
-
-    b.setOnline(true);
-    b.tick();
-    QCOMPARE(smile->toolTip(), QStringLiteral("通訊 : 良好"));
-    QCOMPARE(smile->pixmap().toImage(), RunPictures::load(RunPictures::SmileOk).toImage());
-    QCOMPARE(b.text("lblTPV"), QStringLiteral("30.00"));
-    QVERIFY(b.lit("btnStop"));
-}
-
-void TestRunRedraw::modeDecidesWhatIsShown()
-{
-    RunBench b;
-    b.up(Param::txtT_SV, 0, 0); // no present-SV row of temperature in a fixed run
-    b.open();
-    auto *tab = b.find<QTabWidget>("SSTab1");
-    const auto programRows = {"txtTSV", "lblTSV_T", "txtHSV", "lblHSV_T", "lblRunPTN_LBL",
-                              "lblRunSEG_LBL", "lblRunPTN", "lblRunSEG", "btnStep", "btnHold"};
-    // Fixed and stopped: setpoints editable, no auto-tuning.
-    QVERIFY(b.lit("btnRunMode", 1) && !b.lit("btnRunMode", 0));
-    QVERIFY(tab->isTabVisible(1) && !tab->isTabVisible(0));
-    QCOMPARE(b.hidden({"txtTSV", "lblTSV_T", "txtHSV", "lblHSV_T"}), QStringList());
-    QVERIFY(!b.find<QLineEdit>("txtTSV")->isReadOnly());
-    QVERIFY(!b.shown("btnTAT") && !b.shown("btnHAT"));
-    b.view(1);
-    QVERIFY(!b.shown("lblNSV_T") && b.shown("lblNSV_H"));
-    b.view(0);
-
-    // Fixed and running: auto-tuning exactly when the parameter offers it.
-    b.rrp(Rrp::Run, 1);
-    b.tick();
-    QVERIFY(b.shown("btnTAT") && b.shown("btnHAT"));
-    b.up(Param::btnAT_Button, 0, 0);
-    b.tick();
-    QVERIFY(!b.shown("btnTAT") && !b.shown("btnHAT"));
-
-    // Program and running; then stopped, when all of them go.
-    b.rcv(Rcv::RunMode, 0);
-    b.tick();
-    QVERIFY(tab->isTabVisible(0) && !tab->isTabVisible(1));
-    QVERIFY(b.lit("btnRunMode", 0) && b.find<QLineEdit>("txtTSV")->isReadOnly());
-    QCOMPARE(b.hidden(programRows), QStringList());
-    b.view(1);
-    QVERIFY(b.shown("lblNSV_T"));
-    b.view(0);
-    b.rrp(Rrp::Run, 0);
-    b.tick();
-    QCOMPARE(b.hidden(programRows).size(), int(programRows.size()));
-}
-
-void TestRunRedraw::temperatureOnlyView()
-{
-    RunBench b;
-    b.up(Param::btnSensorType2, 0, 0);
-    b.open();
-    // Fixed mode: only TEMP.SV, no present SV.
-    QCOMPARE(b.hidden({"picTOnly_Ctrl", "txtTOnly_Ctrl_SV", "lblTOnly_CtrlPV"}), QStringList());
-    QVERIFY(!b.shown("lblHPV") && !b.shown("txtTOnly_Ctrl_PTN") && !b.shown("txtTOnly_Ctrl_SEG"));
-    QCOMPARE(b.text("lblTOnly_CtrlPV"), QStringLiteral("24.50"));
-    b.view(1);
-    QVERIFY(b.shown("picTOnly_Sts") && !b.shown("lblTonly_Sts_NSV"));
-    QCOMPARE(b.text("lblTonly_Sts_TSV"), QStringLiteral("25.00"));
-    QCOMPARE(b.text("lblTonly_Sts_MV"), QStringLiteral("12.50"));
-
-    // Program mode: pattern, segment and the present SV.
-    b.rcv(Rcv::RunMode, 0);
-    b.tick();
-    QVERIFY(b.shown("lblTonly_Sts_NSV"));
-    b.view(0);
-    QCOMPARE(b.hidden({"txtTOnly_Ctrl_PTN", "txtTOnly_Ctrl_SEG"}), QStringList());
-    QVERIFY(!b.shown("txtTOnly_Ctrl_SV"));
-
-    // A humidity sensor has the normal display; so has any firmware below 2.2.
-    b.up(Param::btnSensorType2, 0, 2);
-    b.tick();
-    QVERIFY(!b.shown("picTOnly_Ctrl") && b.shown("lblHPV"));
-    RunBench legacy(2.1);
-    legacy.state.image.sprdUP.setNumber(1, 46, 0);
-    legacy.open();
-    QVERIFY(!legacy.shown("picTOnly_Ctrl"));
-}
-
 namespace {
 QStringList lampCaptions(const RunBench &b)
 {
@@ -248,137 +26,344 @@ QList<int> litLamps(const RunBench &b, const char *strip)
 }
 } // namespace
 
-void TestRunRedraw::lampsAndPanelPages()
-{
-    RunBench b;
-    b.rcv({{Rcv::IsOnBits, 0x5205}, {Rcv::TsDsDrBits, 0x0680}, {Rcv::AlarmBits, 0x0021}, {Rcv::DiBits, 0x0080}});
-    frmQM730_RunSimple &form = b.open();
-    const std::pair<const char *, QList<int>> lamps[] = {
-        {"sprdIS", {1, 3}}, {"sprdTON", {2}}, {"sprdHON", {1, 3}}, {"sprdTS", {8}}, {"sprdDS", {2}},
-        {"sprdDR", {1}},    {"sprdPAS", {1}}, {"sprdSAS", {2}},    {"sprdDI", {8}}};
-    for (const auto &[strip, on] : lamps)
-        QCOMPARE(litLamps(b, strip), on);
+class TestRunRedraw : public QObject {
+    Q_OBJECT
+private slots:
+    void wordsReachTheirControls()
+    {
+        RunBench b;
+        b.rcv({{Rcv::RunHours, 12}, {Rcv::RunMinutes, 5}, {Rcv::RunSeconds, 9}, {Rcv::SegElapsedHours, 1},
+               {Rcv::SegElapsedMinutes, 2}, {Rcv::SegTotalHours, 3}, {Rcv::SegTotalMinutes, 4}, {Rcv::RunPattern, 5},
+               {Rcv::RunSegment, 6}, {Rcv::PatternRepeatDone, 1}, {Rcv::PatternRepeatTotal, 2},
+               {Rcv::SegmentRepeatDone, 3}, {Rcv::SegmentRepeatTotal, 4}, {Rcv::TempSV, 11000}, {Rcv::HumiSV, 450}});
+        b.rrp(Rrp::TempPID, 3);
+        b.open();
+        const std::pair<const char *, const char *> stopped[] = {
+            {"lblTPV", "24.50"}, {"lblNSV_T", "10.00"}, {"lblSV_T", "25.00"}, {"lblMV_T", "12.50"},
+            {"lblHPV", "58.3"}, {"lblNSV_H", "45.0"}, {"lblSV_H", "60.0"}, {"lblMV_H", "30.20"},
+            {"lblPID_T", "03"}, {"lblTonly_Sts_PID", "03"}, {"txtPID_T", "3"}, {"lblRunTime", "0012:05:09"},
+            {"lblRunTime_STS", "0012:05:09"}, {"lblSeg_Time", "0001:02/0003:04"}, {"lblPTN_SEG", "005:006"},
+            {"lblPTN_RPT", "001/002"}, {"lblSEG_RPT", "003/004"}, {"lblG_SV_T", "溫度 SV : 10.00"},
+            {"lblG_PV_H", "濕度 PV : 58.3"},
+            // Stopped, the setpoint fields show the targets.
+            {"txtTSV", "25.00"}, {"txtTOnly_Ctrl_SV", "25.00"}, {"txtHSV", "60.0"}};
+        for (const auto &[name, text] : stopped)
+            QCOMPARE(b.text(name), QString::fromUtf8(text));
 
-    b.view(1);
-    QCOMPARE(lampCaptions(b), (QStringList{"D/I", "T/S", "P.AS", "S.AS"}));
-    QVERIFY(b.shown("sprdPAS") && !b.shown("sprdTON"));
-    QTest::mouseClick(b.find<QLabel>("lblSTS_TT", 3), Qt::LeftButton);
-    QCOMPARE(form.StatusPage(), 1);
-    QCOMPARE(lampCaptions(b), (QStringList{"D/I", "I/S", "T.ON", "D/S"}));
-    QCOMPARE(b.hidden({"sprdDI", "sprdIS", "sprdTON", "sprdHON", "sprdDS", "sprdDR"}), QStringList());
-    QVERIFY(!b.shown("sprdPAS"));
-    QTest::mouseClick(b.find<QLabel>("lblSTS_TT", 0), Qt::LeftButton);
-    QCOMPARE(form.StatusPage(), 0);
-    QCOMPARE(lampCaptions(b), (QStringList{"D/I", "T/S", "P.AS", "S.AS"}));
-}
-
-void TestRunRedraw::legacyPanelHasOnePage()
-{
-    RunBench b(2.1);
-    b.rcv(Rcv::AlarmBits, 0x0021);
-    frmQM730_RunSimple &form = b.open();
-    b.view(1);
-    const QStringList legacy{"I/S", "T/S", "D/I", "A/S"};
-    QCOMPARE(lampCaptions(b), legacy);
-    QVERIFY(b.shown("sprdAS") && !b.shown("sprdPAS"));
-    QCOMPARE(litLamps(b, "sprdAS"), (QList<int>{1, 6}));
-    const QImage before = form.grab().toImage();
-    QTest::mouseClick(b.find<QLabel>("lblSTS_TT", 1), Qt::LeftButton);
-    b.tick();
-    QCOMPARE(form.StatusPage(), 1);
-    QCOMPARE(lampCaptions(b), legacy);
-    QCOMPARE(form.grab().toImage(), before);
-}
-
-void TestRunRedraw::rampFlags_data()
-{
-    QTest::addColumn<int>("flags");
-    QTest::addColumn<QString>("rampCell");
-    QTest::addColumn<QString>("temperaturePicture");
-    QTest::addColumn<QString>("humidityPicture");
-    QTest::addColumn<QString>("soak");
-    QTest::addColumn<QString>("wait");
-    using namespace RunPictures;
-    const QString no;
-    QTest::newRow("temperature rising") << 0x80 << RampUpCell << TempUp << no << no << no;
-    QTest::newRow("temperature soak") << 0x40 << no << no << no << "T" << no;
-    QTest::newRow("temperature falling") << 0x20 << RampDownCell << TempDown << no << no << no;
-    QTest::newRow("temperature wait reads H") << 0x10 << no << no << no << no << "H";
-    QTest::newRow("humidity rising") << 0x08 << RampUpCell << no << HumiUp << no << no;
-    QTest::newRow("humidity soak") << 0x04 << no << no << no << "H" << no;
-    QTest::newRow("humidity falling") << 0x02 << RampDownCell << no << HumiDown << no << no;
-    QTest::newRow("humidity wait") << 0x01 << no << no << no << no << "H";
-    QTest::newRow("temperature up, humidity down") << 0x82 << RampDownCell << TempUp << HumiDown << no << no;
-}
-
-void TestRunRedraw::rampFlags()
-{
-    QFETCH(int, flags);
-    QFETCH(QString, rampCell);
-    QFETCH(QString, temperaturePicture);
-    QFETCH(QString, humidityPicture);
-    QFETCH(QString, soak);
-    QFETCH(QString, wait);
-    RunBench b;
-    b.rcv(Rcv::RampFlags, flags);
-    b.open();
-    auto picture = [](const QString &name) { return name.isEmpty() ? QImage() : RunPictures::load(name).toImage(); };
-    auto *updn = b.find<LampStrip>("sprdUPDN");
-    QCOMPARE(updn->isLit(1), !rampCell.isEmpty());
-    QCOMPARE(updn->cellPixmap().toImage(), picture(rampCell));
-    QCOMPARE(b.find<QLabel>("picUPDN_T")->pixmap().toImage(), picture(temperaturePicture));
-    QCOMPARE(b.find<QLabel>("picUPDN_H")->pixmap().toImage(), picture(humidityPicture));
-    for (const auto &[name, text] : {std::pair{"sprdSOAK", soak}, std::pair{"sprdWAIT", wait}}) {
-        QCOMPARE(b.find<LampStrip>(name)->cellText(), text);
-        QCOMPARE(b.find<LampStrip>(name)->isLit(1), !text.isEmpty());
+        // Running, the present setpoints, with the controller's resolution.
+        b.rrp(Rrp::Run, 1);
+        b.state.image.setTempDecimals(1);
+        b.tick();
+        const std::pair<const char *, const char *> running[] = {
+            {"txtTSV", "10.0"}, {"txtTOnly_Ctrl_SV", "10.0"}, {"txtHSV", "45.0"}, {"lblTPV", "24.5"}};
+        for (const auto &[name, text] : running)
+            QCOMPARE(b.text(name), QString::fromUtf8(text));
+        QVERIFY(b.find<QPushButton>("btnDate")->text().startsWith(QDate::currentDate().toString(Qt::ISODate)));
     }
-}
 
-void TestRunRedraw::reservationPanel()
-{
-    RunBench b;
-    const int fields[] = {2026, 3, 1, 8, 5};
-    for (int i = 1; i <= 5; ++i)
-        b.up(Param::sprdDT_Reserve, i, fields[i - 1]);
-    frmQM730_RunSimple &form = b.open();
-    auto *blink = form.findChild<QTimer *>(QStringLiteral("tmrPreDate"));
-    QVERIFY(!b.shown("picPreDate") && !blink->isActive());
+    void burnOutShowsDashesAndHidesTheRamp()
+    {
+        RunBench b;
+        b.open();
+        QVERIFY(b.shown("picUPDN_T") && b.shown("picUPDN_H"));
+        b.rcv({{Rcv::TempPV, 65535}, {Rcv::HumiPV, 65535}});
+        b.tick();
+        QCOMPARE(b.text("lblTPV"), QStringLiteral("---.--"));
+        QCOMPARE(b.text("lblPV_T"), QStringLiteral("---.--"));
+        QCOMPARE(b.text("lblHPV"), QStringLiteral("---.-"));
+        QCOMPARE(b.text("lblPV_H"), QStringLiteral("---.-"));
+        QVERIFY(!b.shown("picUPDN_T") && !b.shown("picUPDN_H"));
+        b.rcv({{Rcv::TempPV, 12000}, {Rcv::HumiPV, 500}});
+        b.tick();
+        QCOMPARE(b.text("lblTPV"), QStringLiteral("20.00"));
+        QCOMPARE(b.text("lblHPV"), QStringLiteral("50.0"));
+        QVERIFY(b.shown("picUPDN_T") && b.shown("picUPDN_H"));
+    }
 
-    b.state.ParamChanged = true;
-    b.tick();
-    QVERIFY(b.shown("picPreDate"));
-    QCOMPARE(b.text("lblPreMsg"), QStringLiteral("預約運轉"));
-    QCOMPARE(b.text("lblReservedDate"), QStringLiteral("2026-03-01"));
-    QCOMPARE(b.text("lblReservedTime"), QStringLiteral("08:05:00"));
-    QVERIFY(blink->isActive());
-    QCOMPARE(blink->interval(), 500);
-    // Each blink swaps the colours of the panel and of its message.
-    auto colour = [&](const char *name) { return b.find(name)->palette().color(QPalette::Window); };
-    form.tmrPreDate_Timer();
-    const QColor panel = colour("picPreDate"), message = colour("lblPreMsg");
-    QVERIFY(panel != message);
-    form.tmrPreDate_Timer();
-    QCOMPARE(colour("picPreDate"), message);
-    QCOMPARE(colour("lblPreMsg"), panel);
+    void humidityOutOfControlRange_data()
+    {
+        QTest::addColumn<double>("firmware");
+        QTest::addColumn<int>("targetHumidity"); // value x 10
+        QTest::addColumn<int>("tempPv");         // (value + 100) x 100
+        QTest::addColumn<int>("upperLimit");     // the dry-bulb range of humidity control, same encoding
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("under control") << 2.3 << 600 << 12450 << 18000 << "58.3";
+        QTest::newRow("target 0") << 2.3 << 0 << 12450 << 18000 << "---.-";
+        QTest::newRow("target 100") << 2.3 << 1000 << 12450 << 18000 << "---.-";
+        QTest::newRow("below the lower limit") << 2.3 << 600 << 10400 << 18000 << "---.-";
+        QTest::newRow("above the upper limit") << 2.3 << 600 << 18100 << 18000 << "---.-";
+        QTest::newRow("above 100 degrees") << 2.3 << 600 << 20100 << 25000 << "---.-";
+        QTest::newRow("legacy rows, under control") << 2.1 << 600 << 12450 << 18000 << "58.3";
+        QTest::newRow("legacy rows, above the limit") << 2.1 << 600 << 18100 << 18000 << "---.-";
+    }
 
-    b.state.ParamChanged = false;
-    b.tick();
-    QVERIFY(!b.shown("picPreDate") && !blink->isActive());
-}
+    void humidityOutOfControlRange()
+    {
+        QFETCH(double, firmware);
+        QFETCH(int, targetHumidity);
+        QFETCH(int, tempPv);
+        QFETCH(int, upperLimit);
+        QFETCH(QString, shown);
+        RunBench b(firmware); // lower limit 5 degrees
+        // The rows of the other layout hold limits that would decide otherwise.
+        for (int row : firmware < 2.2 ? QList<int>{70, 71} : QList<int>{52, 53})
+            b.state.image.sprdUP.setNumber(1, row, 10000);
+        b.up(Param::txtDryTemp_Range, 1, upperLimit);
+        b.rrp(Rrp::HumiTargetSV, targetHumidity);
+        b.rcv(Rcv::TempPV, tempPv);
+        b.open();
+        QCOMPARE(b.text("lblHPV"), shown);
+        QCOMPARE(b.text("lblPV_H"), shown);
+        QCOMPARE(b.shown("picUPDN_H"), shown != QLatin1String("---.-"));
+    }
 
-void TestRunRedraw::picturesBesideTheProgramWin()
-{
-    QTemporaryDir folder;
-    QDir(folder.path()).mkpath(QStringLiteral("Image"));
-    QImage own(5, 7, QImage::Format_RGB32);
-    own.fill(Qt::magenta);
-    QVERIFY(own.save(folder.filePath(QStringLiteral("Image/BT_UP.bmp")), "BMP"));
-    QCOMPARE(RunPictures::load(RunPictures::RampUpCell, folder.path()).size(), QSize(5, 7));
-    // Missing beside the program: the built-in copy.
-    const QPixmap builtIn = RunPictures::load(RunPictures::SmileNg, folder.path());
-    QVERIFY(!builtIn.isNull());
-    QCOMPARE(builtIn.toImage(), RunPictures::builtIn(RunPictures::SmileNg).toImage());
-}
+    void runStatusOnlyZeroOrOne()
+    {
+        RunBench b;
+        frmQM730_RunSimple &form = b.open();
+        // Any word other than 0 and 1 leaves the buttons and ChamberRunning as they were.
+        for (auto [word, running] : {std::pair{0, false}, {2, false}, {1, true}, {2, true}, {65535, true}, {0, false}}) {
+            b.rrp(Rrp::Run, word);
+            b.tick();
+            QCOMPARE(form.ChamberRunning(), running);
+            QCOMPARE(b.lit("btnRun"), running);
+            QCOMPARE(b.lit("btnStop"), !running);
+        }
+    }
+
+    void linkLostFreezesTheScreen()
+    {
+        RunBench b;
+        b.rrp(Rrp::Run, 1);
+        frmQM730_RunSimple &form = b.open();
+        auto *smile = b.find<QLabel>("Image1");
+        QCOMPARE(smile->toolTip(), QStringLiteral("通訊 : 良好"));
+        b.graphTick();
+        const int points = form.graph()->pointCount();
+        QVERIFY(points > 0);
+
+        b.setOnline(false);
+        b.rcv(Rcv::TempPV, 13000);
+        b.rrp(Rrp::Run, 0);
+        b.graphTick();
+        QCOMPARE(smile->toolTip(), QStringLiteral("通訊 : 不良"));
+        QCOMPARE(smile->pixmap().toImage(), RunPictures::load(RunPictures::SmileNg).toImage());
+        QCOMPARE(b.text("lblTPV"), QStringLiteral("24.50"));
+        QVERIFY(b.lit("btnRun"));
+        QCOMPARE(form.graph()->pointCount(), points);
+
+        b.setOnline(true);
+        b.tick();
+        QCOMPARE(smile->toolTip(), QStringLiteral("通訊 : 良好"));
+        QCOMPARE(smile->pixmap().toImage(), RunPictures::load(RunPictures::SmileOk).toImage());
+        QCOMPARE(b.text("lblTPV"), QStringLiteral("30.00"));
+        QVERIFY(b.lit("btnStop"));
+    }
+
+    void modeDecidesWhatIsShown()
+    {
+        RunBench b;
+        b.up(Param::txtT_SV, 0, 0); // no present-SV row of temperature in a fixed run
+        b.open();
+        auto *tab = b.find<QTabWidget>("SSTab1");
+        const auto programRows = {"txtTSV", "lblTSV_T", "txtHSV", "lblHSV_T", "lblRunPTN_LBL",
+                                  "lblRunSEG_LBL", "lblRunPTN", "lblRunSEG", "btnStep", "btnHold"};
+        // Fixed and stopped: setpoints editable, no auto-tuning.
+        QVERIFY(b.lit("btnRunMode", 1) && !b.lit("btnRunMode", 0));
+        QVERIFY(tab->isTabVisible(1) && !tab->isTabVisible(0));
+        QCOMPARE(b.hidden({"txtTSV", "lblTSV_T", "txtHSV", "lblHSV_T"}), QStringList());
+        QVERIFY(!b.find<QLineEdit>("txtTSV")->isReadOnly());
+        QVERIFY(!b.shown("btnTAT") && !b.shown("btnHAT"));
+        b.view(1);
+        QVERIFY(!b.shown("lblNSV_T") && b.shown("lblNSV_H"));
+        b.view(0);
+
+        // Fixed and running: auto-tuning exactly when the parameter offers it.
+        b.rrp(Rrp::Run, 1);
+        b.tick();
+        QVERIFY(b.shown("btnTAT") && b.shown("btnHAT"));
+        b.up(Param::btnAT_Button, 0, 0);
+        b.tick();
+        QVERIFY(!b.shown("btnTAT") && !b.shown("btnHAT"));
+
+        // Program and running; then stopped, when all of them go.
+        b.rcv(Rcv::RunMode, 0);
+        b.tick();
+        QVERIFY(tab->isTabVisible(0) && !tab->isTabVisible(1));
+        QVERIFY(b.lit("btnRunMode", 0) && b.find<QLineEdit>("txtTSV")->isReadOnly());
+        QCOMPARE(b.hidden(programRows), QStringList());
+        b.view(1);
+        QVERIFY(b.shown("lblNSV_T"));
+        b.view(0);
+        b.rrp(Rrp::Run, 0);
+        b.tick();
+        QCOMPARE(b.hidden(programRows).size(), int(programRows.size()));
+    }
+
+    void temperatureOnlyView()
+    {
+        RunBench b;
+        b.up(Param::btnSensorType2, 0, 0);
+        b.open();
+        // Fixed mode: only TEMP.SV, no present SV.
+        QCOMPARE(b.hidden({"picTOnly_Ctrl", "txtTOnly_Ctrl_SV", "lblTOnly_CtrlPV"}), QStringList());
+        QVERIFY(!b.shown("lblHPV") && !b.shown("txtTOnly_Ctrl_PTN") && !b.shown("txtTOnly_Ctrl_SEG"));
+        QCOMPARE(b.text("lblTOnly_CtrlPV"), QStringLiteral("24.50"));
+        b.view(1);
+        QVERIFY(b.shown("picTOnly_Sts") && !b.shown("lblTonly_Sts_NSV"));
+        QCOMPARE(b.text("lblTonly_Sts_TSV"), QStringLiteral("25.00"));
+        QCOMPARE(b.text("lblTonly_Sts_MV"), QStringLiteral("12.50"));
+
+        // Program mode: pattern, segment and the present SV.
+        b.rcv(Rcv::RunMode, 0);
+        b.tick();
+        QVERIFY(b.shown("lblTonly_Sts_NSV"));
+        b.view(0);
+        QCOMPARE(b.hidden({"txtTOnly_Ctrl_PTN", "txtTOnly_Ctrl_SEG"}), QStringList());
+        QVERIFY(!b.shown("txtTOnly_Ctrl_SV"));
+
+        // A humidity sensor has the normal display; so has any firmware below 2.2.
+        b.up(Param::btnSensorType2, 0, 2);
+        b.tick();
+        QVERIFY(!b.shown("picTOnly_Ctrl") && b.shown("lblHPV"));
+        RunBench legacy(2.1);
+        legacy.state.image.sprdUP.setNumber(1, 46, 0);
+        legacy.open();
+        QVERIFY(!legacy.shown("picTOnly_Ctrl"));
+    }
+
+    void lampsAndPanelPages()
+    {
+        RunBench b;
+        b.rcv({{Rcv::IsOnBits, 0x5205}, {Rcv::TsDsDrBits, 0x0680}, {Rcv::AlarmBits, 0x0021}, {Rcv::DiBits, 0x0080}});
+        frmQM730_RunSimple &form = b.open();
+        const std::pair<const char *, QList<int>> lamps[] = {
+            {"sprdIS", {1, 3}}, {"sprdTON", {2}}, {"sprdHON", {1, 3}}, {"sprdTS", {8}}, {"sprdDS", {2}},
+            {"sprdDR", {1}},    {"sprdPAS", {1}}, {"sprdSAS", {2}},    {"sprdDI", {8}}};
+        for (const auto &[strip, on] : lamps)
+            QCOMPARE(litLamps(b, strip), on);
+
+        b.view(1);
+        QCOMPARE(lampCaptions(b), (QStringList{"D/I", "T/S", "P.AS", "S.AS"}));
+        QVERIFY(b.shown("sprdPAS") && !b.shown("sprdTON"));
+        QTest::mouseClick(b.find<QLabel>("lblSTS_TT", 3), Qt::LeftButton);
+        QCOMPARE(form.StatusPage(), 1);
+        QCOMPARE(lampCaptions(b), (QStringList{"D/I", "I/S", "T.ON", "D/S"}));
+        QCOMPARE(b.hidden({"sprdDI", "sprdIS", "sprdTON", "sprdHON", "sprdDS", "sprdDR"}), QStringList());
+        QVERIFY(!b.shown("sprdPAS"));
+        QTest::mouseClick(b.find<QLabel>("lblSTS_TT", 0), Qt::LeftButton);
+        QCOMPARE(form.StatusPage(), 0);
+        QCOMPARE(lampCaptions(b), (QStringList{"D/I", "T/S", "P.AS", "S.AS"}));
+    }
+
+    void legacyPanelHasOnePage()
+    {
+        RunBench b(2.1);
+        b.rcv(Rcv::AlarmBits, 0x0021);
+        frmQM730_RunSimple &form = b.open();
+        b.view(1);
+        const QStringList legacy{"I/S", "T/S", "D/I", "A/S"};
+        QCOMPARE(lampCaptions(b), legacy);
+        QVERIFY(b.shown("sprdAS") && !b.shown("sprdPAS"));
+        QCOMPARE(litLamps(b, "sprdAS"), (QList<int>{1, 6}));
+        const QImage before = form.grab().toImage();
+        QTest::mouseClick(b.find<QLabel>("lblSTS_TT", 1), Qt::LeftButton);
+        b.tick();
+        QCOMPARE(form.StatusPage(), 1);
+        QCOMPARE(lampCaptions(b), legacy);
+        QCOMPARE(form.grab().toImage(), before);
+    }
+
+    void rampFlags_data()
+    {
+        QTest::addColumn<int>("flags");
+        QTest::addColumn<QString>("rampCell");
+        QTest::addColumn<QString>("temperaturePicture");
+        QTest::addColumn<QString>("humidityPicture");
+        QTest::addColumn<QString>("soak");
+        QTest::addColumn<QString>("wait");
+        using namespace RunPictures;
+        const QString no;
+        QTest::newRow("temperature rising") << 0x80 << RampUpCell << TempUp << no << no << no;
+        QTest::newRow("temperature soak") << 0x40 << no << no << no << "T" << no;
+        QTest::newRow("temperature falling") << 0x20 << RampDownCell << TempDown << no << no << no;
+        QTest::newRow("temperature wait reads H") << 0x10 << no << no << no << no << "H";
+        QTest::newRow("humidity rising") << 0x08 << RampUpCell << no << HumiUp << no << no;
+        QTest::newRow("humidity soak") << 0x04 << no << no << no << "H" << no;
+        QTest::newRow("humidity falling") << 0x02 << RampDownCell << no << HumiDown << no << no;
+        QTest::newRow("humidity wait") << 0x01 << no << no << no << no << "H";
+        QTest::newRow("temperature up, humidity down") << 0x82 << RampDownCell << TempUp << HumiDown << no << no;
+    }
+
+    void rampFlags()
+    {
+        QFETCH(int, flags);
+        QFETCH(QString, rampCell);
+        QFETCH(QString, temperaturePicture);
+        QFETCH(QString, humidityPicture);
+        QFETCH(QString, soak);
+        QFETCH(QString, wait);
+        RunBench b;
+        b.rcv(Rcv::RampFlags, flags);
+        b.open();
+        auto picture = [](const QString &name) { return name.isEmpty() ? QImage() : RunPictures::load(name).toImage(); };
+        auto *updn = b.find<LampStrip>("sprdUPDN");
+        QCOMPARE(updn->isLit(1), !rampCell.isEmpty());
+        QCOMPARE(updn->cellPixmap().toImage(), picture(rampCell));
+        QCOMPARE(b.find<QLabel>("picUPDN_T")->pixmap().toImage(), picture(temperaturePicture));
+        QCOMPARE(b.find<QLabel>("picUPDN_H")->pixmap().toImage(), picture(humidityPicture));
+        for (const auto &[name, text] : {std::pair{"sprdSOAK", soak}, std::pair{"sprdWAIT", wait}}) {
+            QCOMPARE(b.find<LampStrip>(name)->cellText(), text);
+            QCOMPARE(b.find<LampStrip>(name)->isLit(1), !text.isEmpty());
+        }
+    }
+
+    void reservationPanel()
+    {
+        RunBench b;
+        const int fields[] = {2026, 3, 1, 8, 5};
+        for (int i = 1; i <= 5; ++i)
+            b.up(Param::sprdDT_Reserve, i, fields[i - 1]);
+        frmQM730_RunSimple &form = b.open();
+        auto *blink = form.findChild<QTimer *>(QStringLiteral("tmrPreDate"));
+        QVERIFY(!b.shown("picPreDate") && !blink->isActive());
+
+        b.state.ParamChanged = true;
+        b.tick();
+        QVERIFY(b.shown("picPreDate"));
+        QCOMPARE(b.text("lblPreMsg"), QStringLiteral("預約運轉"));
+        QCOMPARE(b.text("lblReservedDate"), QStringLiteral("2026-03-01"));
+        QCOMPARE(b.text("lblReservedTime"), QStringLiteral("08:05:00"));
+        QVERIFY(blink->isActive());
+        QCOMPARE(blink->interval(), 500);
+        // Each blink swaps the colours of the panel and of its message.
+        auto colour = [&](const char *name) { return b.find(name)->palette().color(QPalette::Window); };
+        form.tmrPreDate_Timer();
+        const QColor panel = colour("picPreDate"), message = colour("lblPreMsg");
+        QVERIFY(panel != message);
+        form.tmrPreDate_Timer();
+        QCOMPARE(colour("picPreDate"), message);
+        QCOMPARE(colour("lblPreMsg"), panel);
+
+        b.state.ParamChanged = false;
+        b.tick();
+        QVERIFY(!b.shown("picPreDate") && !blink->isActive());
+    }
+
+    void picturesBesideTheProgramWin()
+    {
+        QTemporaryDir folder;
+        QDir(folder.path()).mkpath(QStringLiteral("Image"));
+        QImage own(5, 7, QImage::Format_RGB32);
+        own.fill(Qt::magenta);
+        QVERIFY(own.save(folder.filePath(QStringLiteral("Image/BT_UP.bmp")), "BMP"));
+        QCOMPARE(RunPictures::load(RunPictures::RampUpCell, folder.path()).size(), QSize(5, 7));
+        // Missing beside the program: the built-in copy.
+        const QPixmap builtIn = RunPictures::load(RunPictures::SmileNg, folder.path());
+        QVERIFY(!builtIn.isNull());
+        QCOMPARE(builtIn.toImage(), RunPictures::builtIn(RunPictures::SmileNg).toImage());
+    }
+};
 
 QTEST_MAIN(TestRunRedraw)
 #include "tst_redraw.moc"

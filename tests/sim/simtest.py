@@ -8,6 +8,7 @@ import socket
 import subprocess
 import tempfile
 import time
+import unittest
 
 import serial
 
@@ -79,6 +80,36 @@ class Simulator:
         self.proc.stdout.close()
         self.proc.stderr.close()
         shutil.rmtree(self.dir, ignore_errors=True)
+
+
+class SimCase(unittest.TestCase):
+    """Test classes sharing one simulator started with `options` (and `script`)
+    and, unless `serial` is off, a port on its link."""
+
+    options = ()
+    script = None
+    serial = True
+
+    @classmethod
+    def setUpClass(cls):
+        cls.sim = Simulator(*cls.options, script=cls.script)
+        cls.port = cls.sim.open_port() if cls.serial else None
+
+    @classmethod
+    def tearDownClass(cls):
+        if cls.port:
+            cls.port.close()
+        cls.sim.close()
+
+    def ask(self, frame, length=None, crc=False, timeout=3.0):
+        """Sends a frame on a clean line; the reply, `length` bytes or up to its ETX CR LF."""
+        self.port.reset_input_buffer()
+        self.port.write(frame)
+        if length is None:
+            return read_reply(self.port, crc=crc, timeout=timeout)
+        reply = read_exact(self.port, length, timeout=timeout)
+        self.assertEqual(len(reply), length, reply[:40])
+        return reply
 
 
 def request(machine, command, *args, data=None, crc=False):

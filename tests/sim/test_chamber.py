@@ -178,14 +178,6 @@ class Deterministic(unittest.TestCase):
         other = self.sample(8)
         self.assertNotEqual([v[1] for v in first] + [v[4] for v in first], [v[1] for v in other] + [v[4] for v in other])
 
-    def test_seed_zero_has_no_noise(self):
-        sim = Simulator("--seed", "0", "--speed", "0")
-        try:
-            sim.ok("tick 30")
-            self.assertEqual([sim.word("1 rcv 2"), sim.word("1 rcv 5")], [temp_word(25.0), 600])
-        finally:
-            sim.close()
-
     def test_speed_runs_the_chamber_clock(self):
         sim = Simulator("--seed", "0", "--speed", "600")
         try:

@@ -4,7 +4,7 @@ import os
 import time
 import unittest
 
-from simtest import Simulator, read_burst, read_exact, read_reply, request, silent_for, temp_word, words
+from simtest import SimCase, read_burst, read_exact, request, silent_for, temp_word, words
 
 START_SCRIPT = """# machine 2 starts silent
 fault 2 silent on
@@ -12,27 +12,15 @@ set 1 rrp 10 77
 """
 
 
-class Scenario(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.sim = Simulator("--machines", "1,2", "--seed", "0", "--speed", "0", "--no-pace",
-                            "--trace", "{dir}/trace.txt", script=START_SCRIPT)
-        cls.port = cls.sim.open_port()
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.port.close()
-        cls.sim.close()
+class Scenario(SimCase):
+    options = ("--machines", "1,2", "--seed", "0", "--speed", "0", "--no-pace", "--trace", "{dir}/trace.txt")
+    script = START_SCRIPT
 
     def who(self, machine):
-        self.port.reset_input_buffer()
-        self.port.write(request(machine, "WHO"))
-        return read_reply(self.port, timeout=1.0)
+        return self.ask(request(machine, "WHO"), timeout=1.0)
 
     def rrp1(self):
-        self.port.reset_input_buffer()
-        self.port.write(request(1, "RRP", 1))
-        return read_exact(self.port, 21, timeout=2.0)
+        return self.ask(request(1, "RRP", 1), 21, timeout=2.0)
 
     def test_a_machine_turns_silent_and_back(self):
         self.assertEqual(self.sim.word("1 rrp 10"), 77)  # the script ran
@@ -48,14 +36,10 @@ class Scenario(unittest.TestCase):
 
     def test_sensor_burn_out_on_and_off(self):
         self.sim.ok("set 1 pv 65535")
-        self.port.write(request(1, "RCV"))
-        status = read_exact(self.port, 59)
-        self.assertEqual(status[13:15], b"\xFF\xFF")
+        self.assertEqual(self.ask(request(1, "RCV"), 59)[13:15], b"\xFF\xFF")
         self.assertTrue(self.sim.word("1 rcv 10") & (1 << 7))  # relay 8 is wired to the burn-out
         self.sim.ok("set 1 pv auto")
-        self.port.write(request(1, "RCV"))
-        status = read_exact(self.port, 59)
-        self.assertEqual(words(status[13:15]), [temp_word(25.0)])
+        self.assertEqual(words(self.ask(request(1, "RCV"), 59)[13:15]), [temp_word(25.0)])
         self.assertFalse(self.sim.word("1 rcv 10") & (1 << 7))
 
     def test_reply_shape_faults(self):
@@ -92,11 +76,10 @@ class Scenario(unittest.TestCase):
         self.sim.ok("fault 1 delay on 400")
         try:
             start = time.monotonic()
-            reply = self.rrp1()
+            self.rrp1()
             self.assertGreater(time.monotonic() - start, 0.35)
         finally:
             self.sim.ok("fault 1 delay off")
-        self.assertEqual(len(reply), 21)
 
         self.sim.ok("fault 1 split on 600")
         try:

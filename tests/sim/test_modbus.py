@@ -7,7 +7,7 @@ import serial
 from pymodbus.client import ModbusSerialClient
 from pymodbus.file_message import FileRecord, ReadFileRecordRequest, WriteFileRecordRequest
 
-from simtest import Simulator, silent_for, temp_word
+from simtest import SimCase, silent_for, temp_word
 
 logging.getLogger("pymodbus").setLevel(logging.CRITICAL)
 
@@ -21,18 +21,20 @@ def crc16(data):
     return bytes([crc & 0xFF, crc >> 8])
 
 
-class Registers(unittest.TestCase):
+class Registers(SimCase):
+    options = ("--protocol", "Modbus RTU", "--machines", "1,5:2.09", "--seed", "0", "--speed", "0", "--no-pace")
+    serial = False
+
     @classmethod
     def setUpClass(cls):
-        cls.sim = Simulator("--protocol", "Modbus RTU", "--machines", "1,5:2.09", "--seed", "0", "--speed", "0",
-                            "--no-pace")
+        super().setUpClass()
         cls.client = ModbusSerialClient(method="rtu", port=cls.sim.link, baudrate=115200, timeout=1, retries=0)
         cls.client.connect()
 
     @classmethod
     def tearDownClass(cls):
         cls.client.close()
-        cls.sim.close()
+        super().tearDownClass()
 
     def read(self, start, count, slave=1):
         r = self.client.read_holding_registers(start, count, slave=slave)

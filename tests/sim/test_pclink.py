@@ -9,127 +9,90 @@ import unittest
 
 import serial
 
-from simtest import (Simulator, read_exact, read_reply, request, silent_for, temp_word, with_sum, words)
+from simtest import SimCase, Simulator, read_exact, read_reply, request, silent_for, temp_word, with_sum, words
 
 # Bytes of each live-status row in the RCV reply; rows 13, 15, 16, 18, 20, 22, 25, 26, 27 are single bytes.
 RCV_SIZES = [2] * 12 + [1, 2, 1, 1, 2, 1, 2, 1, 2, 1, 2, 2, 1, 1, 1]
 
 
-class Replies(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.sim = Simulator("--machines", "1,12:2.09,7:1.80", "--seed", "0", "--speed", "0", "--no-pace")
-        cls.port = cls.sim.open_port()
+class Replies(SimCase):
+    options = ("--machines", "1,12:2.09,7:1.80", "--seed", "0", "--speed", "0", "--no-pace")
 
-    @classmethod
-    def tearDownClass(cls):
-        cls.port.close()
-        cls.sim.close()
-
-    def ask(self, frame, length):
-        self.port.reset_input_buffer()
-        self.port.write(frame)
-        reply = read_exact(self.port, length)
-        self.assertEqual(len(reply), length, reply[:40])
+    def ask(self, frame, length=None, crc=False, timeout=3.0):
+        reply = super().ask(frame, length, crc, timeout)
         self.assertEqual(reply[-3:], b"\x03\r\n")
         return reply
 
-    def assertHeader(self, reply, machine, command):
-        self.assertEqual(reply[:11], b"\x02%03d%s,OK," % (machine, command.encode()))
+    def answer(self, frame, length, header):
+        """The reply's data after its header, which echoes the machine, command and arguments."""
+        reply = self.ask(frame, length)
+        self.assertEqual(reply[:len(header)], header)
+        return reply[len(header):-3]
 
     def test_identity_names_the_model_and_firmware(self):
         for machine, version in [(1, "2.31"), (12, "2.09"), (7, "1.80")]:
-            self.port.write(request(machine, "WHO"))
-            reply = read_reply(self.port)
-            self.assertHeader(reply, machine, "WHO")
-            text = reply[11:-3].decode()
-            self.assertIn("QM", text)
-            fields = text.split(" ")
+            fields = self.answer(request(machine, "WHO"), None, b"\x02%03dWHO,OK," % machine).decode().split(" ")
+            self.assertIn("QM", fields[0])
             self.assertEqual(fields[fields.index("F/W") + 1][1:], version)
 
     def test_live_status_packs_45_bytes_by_the_row_table(self):
-        rows = list(range(1, 28))
-        values = [0x1100 + r if size == 2 else 0x40 + r for r, size in zip(rows, RCV_SIZES)]
-        for r, v in zip(rows, values):
-            self.sim.ok(f"set 1 rcv {r} {v}")
+        values = [0x1100 + r if size == 2 else 0x40 + r for r, size in zip(range(1, 28), RCV_SIZES)]
+        self.sim.ok(*[f"set 1 rcv {r} {v}" for r, v in zip(range(1, 28), values)])
         try:
-            reply = self.ask(request(1, "RCV"), 59)
+            data = self.answer(request(1, "RCV"), 59, b"\x02001RCV,OK,")
         finally:
-            for r in rows:
-                self.sim.ok(f"set 1 rcv {r} auto")
-        self.assertHeader(reply, 1, "RCV")
-        expected = b"".join(v.to_bytes(size, "big") for v, size in zip(values, RCV_SIZES))
-        self.assertEqual(reply[11:56], expected)
+            self.sim.ok(*[f"set 1 rcv {r} auto" for r in range(1, 28)])
+        self.assertEqual(data, b"".join(v.to_bytes(size, "big") for v, size in zip(values, RCV_SIZES)))
 
     def test_run_parameters_whole_and_single(self):
-        reply = self.ask(request(1, "RRP", 0), 53)
-        self.assertHeader(reply, 1, "RRP")
-        self.assertEqual(reply[11:16], b"0000,")
-        self.assertEqual(words(reply[16:50]), [self.sim.word(f"1 rrp {r}") for r in range(1, 18)])
-        reply = self.ask(request(1, "RRP", 15), 21)
-        self.assertEqual(reply[11:16], b"0015,")
-        self.assertEqual(words(reply[16:18]), [1])  # one temperature decimal
+        data = self.answer(request(1, "RRP", 0), 53, b"\x02001RRP,OK,0000,")
+        self.assertEqual(words(data), [self.sim.word(f"1 rrp {r}") for r in range(1, 18)])
+        self.assertEqual(words(self.answer(request(1, "RRP", 15), 21, b"\x02001RRP,OK,0015,")), [1])  # one decimal
 
     def test_parameter_block_follows_the_firmware(self):
         for machine, rows in [(1, 512), (12, 492), (7, 392)]:
-            reply = self.ask(request(machine, "RUP", 0), 2 * rows + 19)
-            self.assertEqual(reply[11:16], b"0000,")
-            self.assertEqual(reply[2 * rows + 16], 3)
-            block = words(reply[16 : 16 + 2 * rows])
+            block = words(self.answer(request(machine, "RUP", 0), 2 * rows + 19, b"\x02%03dRUP,OK,0000," % machine))
+            self.assertEqual(len(block), rows)
             self.assertEqual(block[201 - 1] if rows == 512 else block[175 - 1], machine)
         # The display resolution sits in row 506 on current firmware and row 80 on older ones.
-        self.assertEqual(words(self.ask(request(1, "RUP", 506), 21)[16:18]), [1])
-        self.assertEqual(words(self.ask(request(12, "RUP", 80), 21)[16:18]), [1])
-        self.assertEqual(self.ask(request(1, "RUP", 46), 21)[11:16], b"0046,")
+        self.assertEqual(words(self.answer(request(1, "RUP", 506), 21, b"\x02001RUP,OK,0506,")), [1])
+        self.assertEqual(words(self.answer(request(12, "RUP", 80), 21, b"\x02012RUP,OK,0080,")), [1])
 
     def test_text_rows_hold_big5_names_and_take_writes(self):
-        reply = self.ask(request(1, "RTD", 12), 48)
-        self.assertEqual(reply[11:16], b"0012,")
-        self.assertEqual(reply[16:45].rstrip(b"\0").decode("big5"), "程式組1")
+        self.assertEqual(self.answer(request(1, "RTD", 12), 48, b"\x02001RTD,OK,0012,").rstrip(b"\0").decode("big5"), "程式組1")
         name = "高溫測試".encode("big5").ljust(29, b"\0")
-        reply = self.ask(request(1, "WTD", 13, data=name), 18)
-        self.assertEqual(reply, b"\x02001WTD,OK,0013\x03\r\n")
-        self.assertEqual(self.ask(request(1, "RTD", 13), 48)[16:45], name)
+        self.assertEqual(self.ask(request(1, "WTD", 13, data=name), 18), b"\x02001WTD,OK,0013\x03\r\n")
+        self.assertEqual(self.answer(request(1, "RTD", 13), 48, b"\x02001RTD,OK,0013,"), name)
         self.assertEqual(self.sim.command("get 1 td 13"), "高溫測試")
 
     def test_pattern_and_segment_reads_echo_their_numbers(self):
-        reply = self.ask(request(1, "RPD", 1, 0), 186)
-        self.assertEqual(reply[11:21], b"0001,0000,")
-        self.assertEqual(words(reply[21:23]), [4])  # pattern 1 has four segments
-        reply = self.ask(request(1, "RPD", 1, 5), 26)
-        self.assertEqual(reply[11:21], b"0001,0005,")
-        reply = self.ask(request(1, "RSD", 1, 1, 0), 87)
-        self.assertEqual(reply[11:26], b"0001,0001,0000,")
-        self.assertEqual(words(reply[26:30]), [temp_word(85.0), 850])
-        reply = self.ask(request(1, "RSD", 1, 2, 4), 31)
-        self.assertEqual(reply[11:26], b"0001,0002,0004,")
-        self.assertEqual(words(reply[26:28]), [0x0100])  # one hour
+        self.assertEqual(words(self.answer(request(1, "RPD", 1, 0), 186, b"\x02001RPD,OK,0001,0000,"))[0], 4)  # segments
+        self.assertEqual(len(self.answer(request(1, "RPD", 1, 5), 26, b"\x02001RPD,OK,0001,0005,")), 2)
+        segment = words(self.answer(request(1, "RSD", 1, 1, 0), 87, b"\x02001RSD,OK,0001,0001,0000,"))
+        self.assertEqual(segment[:2], [temp_word(85.0), 850])
+        self.assertEqual(words(self.answer(request(1, "RSD", 1, 2, 4), 31, b"\x02001RSD,OK,0001,0002,0004,")), [0x0100])
 
     def test_pattern_and_segment_writes_are_read_back(self):
         block = bytes(range(162))
         self.assertEqual(self.ask(request(1, "WPD", 5, 0, data=block), 23), b"\x02001WPD,OK,0005,0000\x03\r\n")
-        self.assertEqual(self.ask(request(1, "RPD", 5, 0), 186)[21:183], block)
+        self.assertEqual(self.answer(request(1, "RPD", 5, 0), 186, b"\x02001RPD,OK,0005,0000,"), block)
         self.assertEqual(self.ask(request(1, "WPD", 5, 3, data=b"\x12\x34"), 23)[11:20], b"0005,0003")
         self.assertEqual(self.sim.word("1 pd 5 3"), 0x1234)
-
         segment = bytes(range(100, 158))
         self.assertEqual(self.ask(request(1, "WSD", 5, 7, 0, data=segment), 28), b"\x02001WSD,OK,0005,0007,0000\x03\r\n")
-        self.assertEqual(self.ask(request(1, "RSD", 5, 7, 0), 87)[26:84], segment)
+        self.assertEqual(self.answer(request(1, "RSD", 5, 7, 0), 87, b"\x02001RSD,OK,0005,0007,0000,"), segment)
         self.assertEqual(self.ask(request(1, "WSD", 5, 7, 29, data=b"\xAB\xCD"), 28)[11:25], b"0005,0007,0029")
         self.assertEqual(self.sim.word("1 sd 5 7 29"), 0xABCD)
 
     def test_parameter_writes_single_and_whole(self):
         self.assertEqual(self.ask(request(1, "WRP", 10, data=b"\x03\x0D"), 18), b"\x02001WRP,OK,0010\x03\r\n")
         self.assertEqual(self.sim.word("1 rrp 10"), 0x030D)  # data may hold ETX and CR
-
         block = bytearray(self.ask(request(1, "RRP", 0), 53)[16:50])
         block[20:22] = (0x0A0D).to_bytes(2, "big")  # row 11
         self.assertEqual(self.ask(request(1, "WRP", 0, data=bytes(block)), 18)[11:15], b"0000")
         self.assertEqual(self.sim.word("1 rrp 11"), 0x0A0D)
-
         self.assertEqual(self.ask(request(12, "WUP", 47, data=b"\x00\x09"), 18), b"\x02012WUP,OK,0047\x03\r\n")
         self.assertEqual(self.sim.word("12 up 47"), 9)
-
         block = bytearray(self.ask(request(12, "RUP", 0), 1003)[16:1000])
         block[2 * 99 : 2 * 99 + 2] = (4321).to_bytes(2, "big")  # row 100
         self.assertEqual(self.ask(request(12, "WUP", 0, data=bytes(block)), 18)[11:15], b"0000")
@@ -138,35 +101,26 @@ class Replies(unittest.TestCase):
     def test_refusals_lack_ok(self):
         for frame in [request(1, "RRP", 18), request(12, "RUP", 493), request(1, "RPD", 101, 0),
                       request(1, "RSD", 1, 101, 0), request(1, "WUP", 0, data=bytes(2 * 492))]:
-            self.port.write(frame)
-            reply = read_reply(self.port)
+            reply = self.ask(frame)
             self.assertEqual(reply[:4], frame[:4])
             self.assertNotIn(b",OK,", reply)
 
     def test_screen_capture_is_a_332_picture(self):
-        def capture():
-            reply = self.ask(request(1, "RCS"), 76814)
-            self.assertHeader(reply, 1, "RCS")
-            return reply[11:76811]
-
-        first = capture()
-        self.assertEqual(first[0], 0xFF)  # white frame around the picture
-        self.assertEqual(first[320 * 120], 0xFF)
+        first = self.answer(request(1, "RCS"), 76814, b"\x02001RCS,OK,")
+        self.assertEqual((first[0], first[320 * 120]), (0xFF, 0xFF))  # white frame around the picture
         self.sim.ok("set 1 pv 18000")
         try:
-            second = capture()
+            self.assertNotEqual(self.answer(request(1, "RCS"), 76814, b"\x02001RCS,OK,"), first)  # the PV is drawn
         finally:
             self.sim.ok("set 1 pv auto")
-        self.assertNotEqual(first, second)  # the PV is drawn
 
     def test_other_machine_numbers_get_no_answer(self):
-        before = self.sim.command("stats")
+        other = lambda: int(self.sim.command("stats").split("other:")[1].split()[0])
+        before = other()
         self.port.reset_input_buffer()
         self.port.write(request(2, "WHO"))
         self.assertTrue(silent_for(self.port, 0.4))
-        self.assertIn("other:", before)
-        other = lambda s: int(s.split("other:")[1].split()[0])
-        self.assertEqual(other(self.sim.command("stats")), other(before) + 1)
+        self.assertEqual(other(), before + 1)
 
     def test_zero_bytes_and_garbage_between_frames_are_skipped(self):
         self.port.reset_input_buffer()
@@ -182,23 +136,13 @@ class Replies(unittest.TestCase):
             port.close()
 
 
-class WithSum(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.sim = Simulator("--protocol", "PC Link + crc", "--machines", "1", "--speed", "0", "--no-pace")
-        cls.port = cls.sim.open_port()
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.port.close()
-        cls.sim.close()
+class WithSum(SimCase):
+    options = ("--protocol", "PC Link + crc", "--machines", "1", "--speed", "0", "--no-pace")
 
     def test_every_reply_carries_the_byte_sum(self):
         for frame, length in [(request(1, "RRP", 1, crc=True), 23), (request(1, "RCV", crc=True), 61),
                               (request(1, "WUP", 9, data=b"\x00\x01", crc=True), 20)]:
-            self.port.write(frame)
-            reply = read_exact(self.port, length)
-            self.assertEqual(len(reply), length)
+            reply = self.ask(frame, length)
             self.assertEqual(reply[-5:-2], b"\x03\r\n")
             self.assertEqual(reply, with_sum(reply[:-2]))
 
@@ -208,14 +152,14 @@ class WithSum(unittest.TestCase):
         self.port.reset_input_buffer()
         self.port.write(bad)
         self.assertTrue(silent_for(self.port, 0.4))
-        self.port.write(bad + good)
-        self.assertEqual(read_exact(self.port, 23)[:16], b"\x02001RRP,OK,0001,")
+        self.assertEqual(self.ask(bad + good, 23)[:16], b"\x02001RRP,OK,0001,")
 
     def test_sum_faults(self):
         self.sim.ok("fault 1 badsum on")
-        self.port.write(request(1, "WHO", crc=True))
-        reply = read_reply(self.port, crc=True)
-        self.sim.ok("fault 1 badsum off")
+        try:
+            reply = self.ask(request(1, "WHO", crc=True), crc=True)
+        finally:
+            self.sim.ok("fault 1 badsum off")
         self.assertNotEqual(reply, with_sum(reply[:-2]))
 
 
@@ -253,10 +197,9 @@ class ExistingDevice(unittest.TestCase):
                 time.sleep(0.02)
             sim = Simulator("--port", a, "--machines", "4", link=False)
             self.assertIn(f"ready: {a} (PC Link; machines 4)", sim.ready_line)
-            port = serial.Serial(b, 115200, timeout=2)
-            port.write(request(4, "RRP", 1))
-            self.assertEqual(read_exact(port, 21)[:16], b"\x02004RRP,OK,0001,")
-            port.close()
+            with serial.Serial(b, 115200, timeout=2) as port:
+                port.write(request(4, "RRP", 1))
+                self.assertEqual(read_exact(port, 21)[:16], b"\x02004RRP,OK,0001,")
         finally:
             if sim:
                 sim.close()

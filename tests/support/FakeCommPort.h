@@ -3,6 +3,7 @@
 #include <QByteArrayList>
 #include <QTimer>
 #include <functional>
+#include <utility>
 
 // An in-memory serial port: the test feeds bytes in and reads what was written.
 class FakeCommPort : public CommPort {
@@ -10,20 +11,18 @@ class FakeCommPort : public CommPort {
 public:
     using CommPort::CommPort;
 
-    OpenResult openResult = OpenResult::Ok;
-    QString openedDevice;
     QString openedSettings;
-    QByteArrayList written;   // one entry per write call
+    QByteArrayList written; // one entry per write call
     QList<bool> rtsChanges;
-    int clearCount = 0;
+    // Answers each frame written (not the RTS zero byte) a millisecond later;
+    // an empty answer is silence.
+    std::function<QByteArray(const QByteArray &)> responder;
 
-    OpenResult open(const QString &device, const QString &settings) override
+    OpenResult open(const QString &, const QString &settings) override
     {
-        openedDevice = device;
         openedSettings = settings;
-        if (openResult == OpenResult::Ok)
-            m_open = true;
-        return openResult;
+        m_open = true;
+        return OpenResult::Ok;
     }
     void close() override { m_open = false; m_input.clear(); }
     bool isOpen() const override { return m_open; }
@@ -35,30 +34,16 @@ public:
         if (responder && bytes != QByteArray(1, '\0')) {
             const QByteArray reply = responder(bytes);
             if (!reply.isEmpty())
-                QTimer::singleShot(replyDelayMs, this, [this, reply] {
+                QTimer::singleShot(1, this, [this, reply] {
                     if (m_open)
                         feed(reply);
                 });
         }
     }
-
-    // Answers each frame written (not the RTS zero byte) after replyDelayMs;
-    // an empty answer is silence.
-    std::function<QByteArray(const QByteArray &)> responder;
-    int replyDelayMs = 1;
-    QByteArray readAll() override
-    {
-        QByteArray b = m_input;
-        m_input.clear();
-        return b;
-    }
+    QByteArray readAll() override { return std::exchange(m_input, {}); }
     qint64 bytesAvailable() const override { return m_input.size(); }
     QByteArray peek(qint64 n) const override { return m_input.left(n); }
-    void clearInput() override
-    {
-        m_input.clear();
-        ++clearCount;
-    }
+    void clearInput() override { m_input.clear(); }
     void setRts(bool on) override { rtsChanges << on; }
 
     // Bytes arriving from the line.
@@ -67,8 +52,7 @@ public:
         m_input += bytes;
         bytesArrived();
     }
-    // Everything written, frames joined (zero bytes of RTS control included).
-    QByteArray allWritten() const { return written.join(); }
+    // The last frame written, RTS zero bytes aside.
     QByteArray lastFrame() const
     {
         for (qsizetype i = written.size() - 1; i >= 0; --i)

@@ -1,9 +1,4 @@
 #pragma once
-// Widget-test helpers: a program folder, a pseudo-terminal, and a driver
-// that answers the modal windows a step opens.
-#include "Files.h"
-#include "StartupFiles.h"
-#include "mdlADO.h"
 #include <QApplication>
 #include <QDialog>
 #include <QLineEdit>
@@ -11,54 +6,8 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QQueue>
-#include <QTemporaryDir>
 #include <QTimer>
-#include <fcntl.h>
 #include <functional>
-#include <pty.h>
-#include <unistd.h>
-
-// A provisioned program folder with CommPort.CFG.
-struct TestHome {
-    QTemporaryDir dir;
-    QString path() const { return dir.path(); }
-    TestHome()
-    {
-        provisionMailDatabase(programPath(path(), QStringLiteral("EMail.mdb")));
-        writePortCfg(QStringLiteral("PC Link"));
-    }
-    void writePortCfg(const QString &protocol) const
-    {
-        writeCommPortCfg(path(), {"COM1", "115200", "N", "8", "1", protocol, "OFF"});
-    }
-    void mapPorts(const QStringList &lines) const { writeTextLinesAtomic(path() + "/PortMap.CFG", lines); }
-    // Multi-machine list: machine n is in it when used[n - 1].
-    void machines(const QList<bool> &used) const
-    {
-        QVector<QPair<bool, QString>> lines;
-        for (bool u : used)
-            lines.append({u, QString()});
-        Put_RunCFG(path(), true, 1, lines);
-    }
-};
-
-struct Pty {
-    int master = -1, slave = -1;
-    QString path;
-    Pty()
-    {
-        if (::openpty(&master, &slave, nullptr, nullptr, nullptr) == 0)
-            path = QString::fromLocal8Bit(::ttyname(slave));
-        ::fcntl(master, F_SETFL, O_NONBLOCK);
-    }
-    ~Pty() { ::close(master), ::close(slave); }
-    QByteArray readMaster() const
-    {
-        char buf[512];
-        const ssize_t n = ::read(master, buf, sizeof buf);
-        return n > 0 ? QByteArray(buf, int(n)) : QByteArray();
-    }
-};
 
 // Answers modal windows in the order they open, each with the next queued
 // answer; `met` gets a message box's text or a dialog's object name. A modal
