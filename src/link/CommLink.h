@@ -130,6 +130,7 @@ private:
     void moveToNextOnlineSlot();
     void statusStored(int slot, const std::optional<RcvWords> &rows);
     void refreshIfFlagged();
+    void parameterBlockDone(const QString &status, int textState);
     void bulkNextPattern();
     void programChainStep();
     void bulkEndReceive();

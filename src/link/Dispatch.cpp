@@ -145,6 +145,22 @@ void CommLink::statusStored(int slot, const std::optional<RcvWords> &rows)
     }
 }
 
+// The parameter block of a bulk transfer is through; the text rows and the
+// programs follow when the screen asked for them.
+void CommLink::parameterBlockDone(const QString &status, int textState)
+{
+    ConsoleState &s = m_st;
+    emit bulkStatus(s.BulkFormName, status);
+    if (s.BulkWithPrograms) {
+        s.CmdIndex = 1;
+        s.CmdIndexEnd = s.PatternCount() + 11;
+        s.CmdState = textState;
+    } else {
+        emit bulkFinished(s.BulkFormName);
+        s.CmdState = 1;
+    }
+}
+
 void CommLink::refreshIfFlagged()
 {
     if (m_st.RefreshAfterWrite || m_st.RefreshOnOpen) {
@@ -417,15 +433,7 @@ void CommLink::dispatchPcLink()
             s.CmdState = 1;
             break;
         }
-        emit bulkStatus(s.BulkFormName, QStringLiteral("接收完了"));
-        if (s.BulkWithPrograms) {
-            s.CmdIndex = 1;
-            s.CmdIndexEnd = s.PatternCount() + 11;
-            s.CmdState = 52;
-        } else {
-            emit bulkFinished(s.BulkFormName);
-            s.CmdState = 1;
-        }
+        parameterBlockDone(QStringLiteral("接收完了"), 52);
         break;
     }
     case 4:
@@ -560,15 +568,7 @@ void CommLink::dispatchPcLink()
     case 151:
         if (!is("WUP"))
             break;
-        emit bulkStatus(s.BulkFormName, QStringLiteral("傳送完了"));
-        if (s.BulkWithPrograms) {
-            s.CmdIndex = 1;
-            s.CmdIndexEnd = s.PatternCount() + 11;
-            s.CmdState = 152;
-        } else {
-            emit bulkFinished(s.BulkFormName);
-            s.CmdState = 1;
-        }
+        parameterBlockDone(QStringLiteral("傳送完了"), 152);
         break;
     case 152:
         if (is("WTD"))

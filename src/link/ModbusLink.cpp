@@ -240,26 +240,10 @@ void CommLink::dispatchModbus()
     }
     case 5105:
         Disp_RUP(f, 3, 481, 32);
-        emit bulkStatus(s.BulkFormName, QStringLiteral("接收完了"));
-        if (s.BulkWithPrograms) {
-            s.CmdIndex = 1;
-            s.CmdIndexEnd = s.PatternCount() + 11;
-            s.CmdState = 5199;
-        } else {
-            emit bulkFinished(s.BulkFormName);
-            s.CmdState = 1;
-        }
+        parameterBlockDone(QStringLiteral("接收完了"), 5199);
         break;
     case 1515:
-        emit bulkStatus(s.BulkFormName, QStringLiteral("傳送完了"));
-        if (s.BulkWithPrograms) {
-            s.CmdIndex = 1;
-            s.CmdIndexEnd = s.PatternCount() + 11;
-            s.CmdState = 152;
-        } else {
-            emit bulkFinished(s.BulkFormName);
-            s.CmdState = 1;
-        }
+        parameterBlockDone(QStringLiteral("傳送完了"), 152);
         break;
     case 53: case 61:
         Disp_RPD(s.PatternNo, f, 3, 1, ControllerImage::PatternWords, "Disp_RPD_Reg");

@@ -1,0 +1,111 @@
+// The bulk chains against the simulator in both link families: the parameter
+// block received and sent, and the programs fetched row by row with their
+// loaded flags, ending in the program cache.
+#include "ConsoleCore.h"
+#include "ProgramImage.h"
+#include "SimProcess.h"
+#include "TestHome.h"
+#include <QSignalSpy>
+#include <QtTest>
+
+class BulkTest : public QObject {
+    Q_OBJECT
+
+    TestHome m_home;
+    std::unique_ptr<SimProcess> m_sim;
+    std::unique_ptr<ConsoleCore> m_core;
+
+    ConsoleState &bringUp(const QString &protocol)
+    {
+        m_core.reset();
+        m_sim = std::make_unique<SimProcess>(m_home.path() + QStringLiteral("/sim"));
+        QDir().mkpath(m_home.path() + QStringLiteral("/sim"));
+        m_sim->start({QStringLiteral("--machines"), QStringLiteral("1"), QStringLiteral("--protocol"), protocol,
+                      QStringLiteral("--no-pace")});
+        m_home.writePortCfg(protocol);
+        m_home.mapPorts({QStringLiteral("COM1=") + m_sim->linkPath()});
+        m_home.machines({true});
+        m_core = std::make_unique<ConsoleCore>(m_home.path());
+        m_core->start();
+        m_core->togglePort();
+        return m_core->state();
+    }
+
+private slots:
+    void cleanup()
+    {
+        m_core.reset();
+        m_sim.reset();
+    }
+
+    void protocols_data()
+    {
+        QTest::addColumn<QString>("protocol");
+        QTest::newRow("pclink") << QStringLiteral("PC Link");
+        QTest::newRow("modbus") << QStringLiteral("Modbus RTU");
+    }
+
+    void parameterBlockReceivedAndSent_data() { protocols_data(); }
+    void parameterBlockReceivedAndSent()
+    {
+        QFETCH(QString, protocol);
+        const bool modbus = protocol == QLatin1String("Modbus RTU");
+        ConsoleState &s = bringUp(protocol);
+        QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
+        QSignalSpy status(&m_core->link(), &CommLink::bulkStatus);
+        QSignalSpy finished(&m_core->link(), &CommLink::bulkFinished);
+
+        s.BulkFormName = QStringLiteral("frmQM730_P_Recv");
+        s.BulkWithPrograms = false;
+        s.image.sprdUP.clearCells();
+        s.request_command(modbus ? 5101 : 51);
+        QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, 8000);
+        QCOMPARE(status.last().at(1).toString(), QStringLiteral("接收完了"));
+        QCOMPARE(s.image.sprdUP.text(1, 506), m_sim->command(QStringLiteral("get 1 up 506")));
+        QCOMPARE(s.image.sprdUP.text(1, 300), m_sim->command(QStringLiteral("get 1 up 300")));
+
+        s.BulkFormName = QStringLiteral("frmQM730_P_Send");
+        s.image.sprdUP.setNumber(1, 25, 9);
+        s.request_command(modbus ? 1511 : 151);
+        QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 2, 8000);
+        QCOMPARE(status.last().at(1).toString(), QStringLiteral("傳送完了"));
+        QCOMPARE(m_sim->command(QStringLiteral("get 1 up 25")), QStringLiteral("9"));
+        QTRY_VERIFY(s.CmdState == 1 || s.CmdState == 2);
+    }
+
+    void programsFetchedWhereNotLoaded_data() { protocols_data(); }
+    void programsFetchedWhereNotLoaded()
+    {
+        QFETCH(QString, protocol);
+        const bool modbus = protocol == QLatin1String("Modbus RTU");
+        ConsoleState &s = bringUp(protocol);
+        QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
+        // Everything is loaded but the names and data of patterns 1 and 2.
+        s.image.PatternLoaded.fill(true);
+        s.image.PatternNameLoaded.fill(true);
+        for (int p : {0, 1})
+            s.image.PatternLoaded[p] = s.image.PatternNameLoaded[p] = false;
+        QSignalSpy progress(&m_core->link(), &CommLink::bulkProgress);
+        QSignalSpy finished(&m_core->link(), &CommLink::bulkFinished);
+        s.BulkFormName = QStringLiteral("frmQM730_PTN_Recv");
+        s.request_command(modbus ? 5199 : 52, 12);
+        QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, 15000);
+
+        QVERIFY(s.image.PatternLoaded[0] && s.image.PatternLoaded[1] && s.image.PatternNameLoaded[0]);
+        QCOMPARE(s.image.sprdTD.text(1, 12), m_sim->command(QStringLiteral("get 1 td 12")));
+        const int segments = m_sim->command(QStringLiteral("get 1 pd 1 1")).toInt();
+        QVERIFY(segments > 0);
+        QCOMPARE(int(s.image.sprdPD.number(1, 1)), segments);
+        QCOMPARE(s.image.sprdSD.text(Sd::column(segments, 1), 1),
+                 m_sim->command(QStringLiteral("get 1 sd 1 %1 1").arg(segments)));
+        QCOMPARE(s.image.sprdPD.text(8, 2), m_sim->command(QStringLiteral("get 1 pd 2 8")));
+        // Pattern 3 was flagged as loaded, so it was not asked for.
+        QVERIFY(s.image.sprdPD.isEmpty(1, 3));
+        if (!modbus)
+            QCOMPARE(progress.first().at(1).toString(), QStringLiteral("程式組名稱 接收中... [1/100]"));
+        QVERIFY(QFile::exists(programCachePath(m_home.path(), 1, u"SD")));
+    }
+};
+
+QTEST_GUILESS_MAIN(BulkTest)
+#include "test_bulk.moc"
