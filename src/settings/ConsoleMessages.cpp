@@ -1,6 +1,9 @@
 #include "ConsoleMessages.h"
 #include <QGuiApplication>
+#include <QDialog>
+#include <QHBoxLayout>
 #include <QMessageBox>
+#include <QPushButton>
 
 void showConsoleMessage(QWidget *parent, const QString &text, const QString &title)
 {
@@ -16,4 +19,19 @@ bool askConsoleYesNo(QWidget *parent, const QString &text, const QString &title)
     box.setObjectName(QStringLiteral("MsgBox"));
     box.setDefaultButton(QMessageBox::No);
     return box.exec() == QMessageBox::Yes;
+}
+
+QHBoxLayout *okCancelRow(QDialog *dialog, QPushButton **ok, QPushButton **cancel, bool okIsDefault)
+{
+    *ok = new QPushButton(QStringLiteral("確認"), dialog);
+    (*ok)->setObjectName(QStringLiteral("btnOK"));
+    (*ok)->setDefault(okIsDefault);
+    *cancel = new QPushButton(QStringLiteral("取消"), dialog);
+    (*cancel)->setObjectName(QStringLiteral("btnCancel"));
+    QObject::connect(*cancel, &QPushButton::clicked, dialog, &QDialog::reject);
+    auto *row = new QHBoxLayout;
+    row->addStretch();
+    row->addWidget(*ok);
+    row->addWidget(*cancel);
+    return row;
 }

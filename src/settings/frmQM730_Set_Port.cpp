@@ -63,11 +63,7 @@ frmQM730_Set_Port::frmQM730_Set_Port(ConsoleState &state, QWidget *parent) : QDi
     lblDevice = new QLabel(this);
     lblDevice->setObjectName(QStringLiteral("lblDevice"));
     lblDevice->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    btnOK = new QPushButton(QStringLiteral("確認"), this);
-    btnOK->setObjectName(QStringLiteral("btnOK"));
-    btnOK->setDefault(true);
-    btnCancel = new QPushButton(QStringLiteral("取消"), this);
-    btnCancel->setObjectName(QStringLiteral("btnCancel"));
+    auto *buttons = okCancelRow(this, &btnOK, &btnCancel, true);
 
     auto *form = new QFormLayout;
     form->addRow(QStringLiteral("通訊端口"), cmbPort);
@@ -78,10 +74,6 @@ frmQM730_Set_Port::frmQM730_Set_Port(ConsoleState &state, QWidget *parent) : QDi
     form->addRow(QStringLiteral("停止位元"), cmbStop);
     form->addRow(QStringLiteral("通訊協定"), cmbProtocol);
     form->addRow(QStringLiteral("RTS"), cmbRTS);
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(btnOK);
-    buttons->addWidget(btnCancel);
     auto *top = new QVBoxLayout(this);
     top->addLayout(form);
     top->addWidget(lblMSG);
@@ -97,7 +89,6 @@ frmQM730_Set_Port::frmQM730_Set_Port(ConsoleState &state, QWidget *parent) : QDi
 
     connect(cmbPort, &QComboBox::currentTextChanged, this, &frmQM730_Set_Port::testPort);
     connect(btnOK, &QPushButton::clicked, this, &frmQM730_Set_Port::btnOK_Click);
-    connect(btnCancel, &QPushButton::clicked, this, &QDialog::reject);
 
     if (!cmbPort->currentText().isEmpty())
         testPort(cmbPort->currentText());

@@ -15,23 +15,14 @@ frmQM730_SysPass_Chk::frmQM730_SysPass_Chk(ConsoleState &state, QWidget *parent)
     txtSysPass = new QLineEdit(this);
     txtSysPass->setObjectName(QStringLiteral("txtSysPass"));
     txtSysPass->setEchoMode(QLineEdit::Password);
-    btnOK = new QPushButton(QStringLiteral("確認"), this);
-    btnOK->setObjectName(QStringLiteral("btnOK"));
-    btnOK->setDefault(true);
-    btnCancel = new QPushButton(QStringLiteral("取消"), this);
-    btnCancel->setObjectName(QStringLiteral("btnCancel"));
+    auto *buttons = okCancelRow(this, &btnOK, &btnCancel, true);
 
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(btnOK);
-    buttons->addWidget(btnCancel);
     auto *top = new QVBoxLayout(this);
     top->addWidget(new QLabel(QStringLiteral("密碼"), this));
     top->addWidget(txtSysPass);
     top->addLayout(buttons);
 
     connect(btnOK, &QPushButton::clicked, this, &frmQM730_SysPass_Chk::btnOK_Click);
-    connect(btnCancel, &QPushButton::clicked, this, &QDialog::reject);
 }
 
 void frmQM730_SysPass_Chk::btnOK_Click()

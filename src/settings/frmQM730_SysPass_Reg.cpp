@@ -1,3 +1,4 @@
+#include "ConsoleMessages.h"
 #include "frmQM730_SysPass_Reg.h"
 #include "ConsoleState.h"
 #include "StartupFiles.h"
@@ -24,19 +25,11 @@ frmQM730_SysPass_Reg::frmQM730_SysPass_Reg(ConsoleState &state, QWidget *parent)
     lblOldPass->setObjectName(QStringLiteral("lblOldPass"));
     txtNewPass = new QLineEdit(this);
     txtNewPass->setObjectName(QStringLiteral("txtNewPass"));
-    btnOK = new QPushButton(QStringLiteral("確認"), this);
-    btnOK->setObjectName(QStringLiteral("btnOK"));
-    btnOK->setDefault(true);
-    btnCancel = new QPushButton(QStringLiteral("取消"), this);
-    btnCancel->setObjectName(QStringLiteral("btnCancel"));
+    auto *buttons = okCancelRow(this, &btnOK, &btnCancel, true);
 
     auto *form = new QFormLayout;
     form->addRow(QStringLiteral("舊密碼"), lblOldPass);
     form->addRow(QStringLiteral("新密碼"), txtNewPass);
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(btnOK);
-    buttons->addWidget(btnCancel);
     auto *top = new QVBoxLayout(this);
     top->addLayout(form);
     top->addLayout(buttons);
@@ -45,7 +38,6 @@ frmQM730_SysPass_Reg::frmQM730_SysPass_Reg(ConsoleState &state, QWidget *parent)
     lblOldPass->setText(QString(m_st.SystemPassword.size(), u'*'));
 
     connect(btnOK, &QPushButton::clicked, this, &frmQM730_SysPass_Reg::btnOK_Click);
-    connect(btnCancel, &QPushButton::clicked, this, &QDialog::reject);
 }
 
 void frmQM730_SysPass_Reg::setVisible(bool visible)

@@ -63,8 +63,7 @@ frmQM730_Set_DSave::frmQM730_Set_DSave(RunLogger &logger, QWidget *parent) : QDi
     lblMSG2 = named(new QLabel(this), "lblMSG2");
     lblCallWin = named(new QLabel(this), "lblCallWin");
     lblCallWin->hide();
-    btnOK = named(new QPushButton(QStringLiteral("確認"), this), "btnOK");
-    btnCancel = named(new QPushButton(QStringLiteral("取消"), this), "btnCancel");
+    auto *buttons = okCancelRow(this, &btnOK, &btnCancel, false);
 
     auto *grid = new QGridLayout;
     grid->addWidget(caption(QStringLiteral("儲存"), this), 0, 0);
@@ -85,10 +84,6 @@ frmQM730_Set_DSave::frmQM730_Set_DSave(RunLogger &logger, QWidget *parent) : QDi
     day->addWidget(new QLabel(QStringLiteral(":"), this));
     day->addWidget(txtDayMM);
     day->addStretch();
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(btnOK);
-    buttons->addWidget(btnCancel);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(grid);
     layout->addLayout(day);
@@ -102,7 +97,6 @@ frmQM730_Set_DSave::frmQM730_Set_DSave(RunLogger &logger, QWidget *parent) : QDi
     lblFolder->installEventFilter(this);
     connect(chbDSaveF, &QCheckBox::toggled, this, &frmQM730_Set_DSave::showExamples);
     connect(btnOK, &QPushButton::clicked, this, &frmQM730_Set_DSave::btnOK_Click);
-    connect(btnCancel, &QPushButton::clicked, this, &QDialog::reject);
 
     fillControls();
     showExamples();

@@ -1,3 +1,4 @@
+#include "ConsoleMessages.h"
 #include "frmSelectFolder.h"
 #include "SaveSettings.h"
 #include <QComboBox>
@@ -61,15 +62,8 @@ frmSelectFolder::frmSelectFolder(const QString &saveFolder, const QString &home,
     lblFolder->setFrameShape(QFrame::Panel);
     lblFolder->setFrameShadow(QFrame::Sunken);
 
-    btnOK = new QPushButton(QStringLiteral("確認"), this);
-    btnOK->setObjectName(QStringLiteral("btnOK"));
-    btnCancel = new QPushButton(QStringLiteral("取消"), this);
-    btnCancel->setObjectName(QStringLiteral("btnCancel"));
+    auto *buttons = okCancelRow(this, &btnOK, &btnCancel, false);
 
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(btnOK);
-    buttons->addWidget(btnCancel);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(Drive1);
     layout->addWidget(Dir1, 1);
