@@ -100,7 +100,7 @@ int main(int argc, char **argv)
     writer.setInterval(10000);
     QObject::connect(&writer, &QTimer::timeout, [&] {
         writing = true;
-        s.request_word(102, 25, 5 + int(clock.elapsed() / 10000) % 5);
+        s.requests().writeParameter(Param::txtLPF1, quint16(5 + int(clock.elapsed() / 10000) % 5));
     });
 
     core.togglePort();

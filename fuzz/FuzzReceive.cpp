@@ -24,7 +24,7 @@ int fuzzReceive(const uint8_t *data, size_t size)
     state.setMachines(slotList);
     state.CommProtocol = QLatin1String(kProtocols[data[0] % 3]);
     state.CurrentMachine = 1;
-    state.BulkFormName = (data[0] & 4) ? QStringLiteral("frmQM730_PTN_Recv") : QStringLiteral("frmQM730_P_Recv");
+    state.bulkJob = (data[0] & 4) ? BulkJob::ProgramFetch : BulkJob::ParameterReceive;
     state.BulkWithPrograms = data[0] & 8;
     state.image.applyFirmware(kFirmware[data[2] % 6]);
     FakeCommPort port;

@@ -2,7 +2,6 @@
 #include "ConsoleMessages.h"
 #include "Demo.h"
 #include "frmQM730_Main.h"
-#include "frmQM730_RunSimple.h"
 #include <QApplication>
 #include <QLibraryInfo>
 #include <QString>
@@ -33,10 +32,6 @@ int runWindow(QApplication &app, const QString &home, bool commLog, bool demo)
     core.link().setCommFileLog(commLog);
 
     frmQM730_Main window(core);
-    window.setScreenOpener(QStringLiteral("frmQM730_RunSimple"), [&core](QWidget *parent) {
-        frmQM730_RunSimple screen(core, parent);
-        screen.exec();
-    });
     window.show();
     return app.exec();
 }

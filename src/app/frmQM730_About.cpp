@@ -10,7 +10,7 @@
 // Set by the distributor; the label shows it as it is.
 const char *const frmQM730_About::HomePage = "https://www.example.com/";
 
-frmQM730_About::frmQM730_About(QWidget *parent) : QDialog(parent)
+frmQM730_About::frmQM730_About(ScreenContext &, QWidget *parent) : QDialog(parent)
 {
     setObjectName(QStringLiteral("frmQM730_About"));
     setWindowTitle(QStringLiteral("關於"));

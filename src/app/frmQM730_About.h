@@ -1,6 +1,7 @@
 #pragma once
 #include <QDialog>
 
+struct ScreenContext;
 class QLabel;
 class QPushButton;
 
@@ -9,7 +10,7 @@ class QPushButton;
 class frmQM730_About : public QDialog {
     Q_OBJECT
 public:
-    explicit frmQM730_About(QWidget *parent = nullptr);
+    explicit frmQM730_About(ScreenContext &context, QWidget *parent = nullptr);
 
     static const char *const HomePage;
 

@@ -8,13 +8,7 @@
 #include "Recorder.h"
 #include "ShellOpen.h"
 #include "TextTableModel.h"
-#include "frmQM730_About.h"
-#include "frmQM730_History.h"
-#include "frmQM730_Set_DSave.h"
-#include "frmQM730_Set_EMail.h"
-#include "frmQM730_Set_Port.h"
 #include "frmQM730_SysPass_Chk.h"
-#include "frmQM730_SysPass_Reg.h"
 #include <QButtonGroup>
 #include <QCloseEvent>
 #include <QFileInfo>
@@ -41,13 +35,13 @@ const QString kProgramLock = QStringLiteral("Program &Lock");
 const QString kProgramUnlock = QStringLiteral("Program &Unlock");
 const QString kLockRefusal = QStringLiteral("鎖關閉 => 鎖開啟");
 
-// A menu item: its caption, the screen it opens, whether it sets
-// RefreshOnOpen first, and whether the operator's program lock blocks it.
+// A menu item: its caption, the screen it opens (what happens before it
+// opens is the screen's, in the registry), and whether the operator's
+// program lock blocks it.
 struct ItemDef {
     const char *name;
     const char *caption;
     const char *screen;
-    bool refreshOnOpen = false;
     bool lockGuarded = false;
 };
 
@@ -61,19 +55,19 @@ const std::vector<MenuDef> &menuTable()
 {
     static const std::vector<MenuDef> table = {
         {"mSet", "通訊管理",
-         {{"mSetPort", "通訊參數", "frmQM730_Set_Port", false, true},
-          {"mSetChannel", "監控模式", "frmQM730_Set_Multi", false, true},
-          {"mSetDataSave", "數據儲存", "frmQM730_Set_DSave", false, true},
-          {"mSetEMail", "&E-mail", "frmQM730_Set_EMail", false, true},
+         {{"mSetPort", "通訊參數", "frmQM730_Set_Port", true},
+          {"mSetChannel", "監控模式", "frmQM730_Set_Multi", true},
+          {"mSetDataSave", "數據儲存", "frmQM730_Set_DSave", true},
+          {"mSetEMail", "&E-mail", "frmQM730_Set_EMail", true},
           {"mSetSysPass", "密碼變更", "frmQM730_SysPass_Reg"},
           {"mExit", "退出", nullptr}}},
         {"mOnline", "連線",
          {{"mOnlinePortOpen", "通訊端口開啟", nullptr},
           {"mOnlineDownload", "參數接收/檔案儲存", "frmQM730_P_Recv"},
           {"mOnlineUpload", "檔案讀取/參數傳送", "frmQM730_P_Send"},
-          {"mOnlineDateTime", "日期/時間設定", "frmQM730Online_DateTime", true},
+          {"mOnlineDateTime", "日期/時間設定", "frmQM730Online_DateTime"},
           {"mOnlineScreen", "擷取儀表當前畫面", "frmQM730Online_Screen"},
-          {"mOnlineRun", "單機操作", "frmQM730_RunSimple", true},
+          {"mOnlineRun", "單機操作", "frmQM730_RunSimple"},
           {"mOnlineRunMulti", "多機操作", "frmQM730_RunMulti"},
           {"mOnlineMonMulti", "多機監控", "frmQM730_TMon"}}},
         {"mPrg", "程式設定",
@@ -81,19 +75,19 @@ const std::vector<MenuDef> &menuTable()
           {"mPrgSEG", "程式段設定", "frmQM730Prg_SEG"},
           {"mPrgManagement", "程式管理", "frmQM730Prg_Managemen"}}},
         {"mFunc", "運轉設定",
-         {{"mFuncRun", "運轉設定", "frmQM730Func_Run", true},
-          {"mFuncGrpSave", "曲線儲存設定", "frmQM730Func_GrpSave", true}}},
+         {{"mFuncRun", "運轉設定", "frmQM730Func_Run"},
+          {"mFuncGrpSave", "曲線儲存設定", "frmQM730Func_GrpSave"}}},
         {"mSys", "系統設定",
          {{"mSysLock", "鎖開啟", nullptr},
-          {"mSysSensor", "傳感器輸入設定", "frmQM730SYS_Sensor", true},
-          {"mSysControl", "控制輸出設定", "frmQM730SYS_Control", true},
-          {"mSysInner", "內部信號設定", "frmQM730SYS_InnerNew", true},
-          {"mSysAlarm", "系統警報設定", "frmQM730SYS_Alarm", true},
-          {"mSysPID", "PID 設定", "frmQM730SYS_PID", true},
-          {"mSysDI", "D/I 狀態設定", "frmQM730SYS_DI", true},
-          {"mSysDO", "D/O 狀態設定", "frmQM730SYS_DO", true},
-          {"mSysCommunication", "通信設定", "frmQM730SYS_Comm", true},
-          {"mSysETC", "其他設定", "frmQM730SYS_ETC", true}}},
+          {"mSysSensor", "傳感器輸入設定", "frmQM730SYS_Sensor"},
+          {"mSysControl", "控制輸出設定", "frmQM730SYS_Control"},
+          {"mSysInner", "內部信號設定", "frmQM730SYS_InnerNew"},
+          {"mSysAlarm", "系統警報設定", "frmQM730SYS_Alarm"},
+          {"mSysPID", "PID 設定", "frmQM730SYS_PID"},
+          {"mSysDI", "D/I 狀態設定", "frmQM730SYS_DI"},
+          {"mSysDO", "D/O 狀態設定", "frmQM730SYS_DO"},
+          {"mSysCommunication", "通信設定", "frmQM730SYS_Comm"},
+          {"mSysETC", "其他設定", "frmQM730SYS_ETC"}}},
         {"mHelp", "幫助",
          {{"mHelpAbout", "關於", "frmQM730_About"},
           {"mHelpHelp", "幫助", nullptr},
@@ -149,7 +143,8 @@ QLabel *groupLabel(const QString &text, const char *name, QWidget *parent)
 
 } // namespace
 
-frmQM730_Main::frmQM730_Main(ConsoleCore &core, QWidget *parent) : QMainWindow(parent), m_core(core)
+frmQM730_Main::frmQM730_Main(ConsoleCore &core, ScreenRegistry screens, QWidget *parent)
+    : QMainWindow(parent), m_core(core), m_screens(std::move(screens))
 {
     setObjectName(QStringLiteral("frmQM730_Main"));
     setWindowTitle(QStringLiteral("QM730 OV5.1.0"));
@@ -197,34 +192,7 @@ frmQM730_Main::frmQM730_Main(ConsoleCore &core, QWidget *parent) : QMainWindow(p
 
     buildStatusBar();
 
-    // The screens that exist; other engineers' screens register themselves.
     ConsoleState &s = m_core.state();
-    setScreenOpener(QStringLiteral("frmQM730_Set_Port"), [&s](QWidget *p) {
-        frmQM730_Set_Port page(s, p);
-        page.exec();
-    });
-    setScreenOpener(QStringLiteral("frmQM730_Set_DSave"), [this](QWidget *p) {
-        frmQM730_Set_DSave page(m_core.recorder().runLog(), p);
-        page.setCallWin(objectName());
-        page.exec();
-    });
-    setScreenOpener(QStringLiteral("frmQM730_Set_EMail"), [this](QWidget *p) {
-        frmQM730_Set_EMail page(m_core.recorder().mail(), p);
-        page.exec();
-    });
-    setScreenOpener(QStringLiteral("frmQM730_History"), [&s](QWidget *p) {
-        frmQM730_History page(s.home, p);
-        page.exec();
-    });
-    setScreenOpener(QStringLiteral("frmQM730_SysPass_Reg"), [&s](QWidget *p) {
-        frmQM730_SysPass_Reg page(s, p);
-        page.exec();
-    });
-    setScreenOpener(QStringLiteral("frmQM730_About"), [](QWidget *p) {
-        frmQM730_About page(p);
-        page.exec();
-    });
-
     connectLink();
 
     // The state after start: port closed, menus of "no machine online", the
@@ -243,14 +211,6 @@ frmQM730_Main::frmQM730_Main(ConsoleCore &core, QWidget *parent) : QMainWindow(p
 }
 
 frmQM730_Main::~frmQM730_Main() = default;
-
-void frmQM730_Main::setScreenOpener(const QString &screenName, ScreenOpener opener)
-{
-    if (opener)
-        m_openers.insert(screenName, std::move(opener));
-    else
-        m_openers.remove(screenName);
-}
 
 // ---------------------------------------------------------------- building
 
@@ -353,7 +313,7 @@ QWidget *frmQM730_Main::buildSidePanel()
     btnCheckPass = new QPushButton(QStringLiteral("密碼確認"), edit);
     btnCheckPass->setObjectName(QStringLiteral("btnCheckPass"));
     connect(btnCheckPass, &QPushButton::clicked, this,
-            [this] { frmQM730_SysPass_Chk::check(m_core.state(), this); });
+            [this] { frmQM730_SysPass_Chk::check(m_core.context(), this); });
     editLayout->addWidget(btnCheckPass);
     col->addWidget(edit);
 
@@ -448,17 +408,10 @@ void frmQM730_Main::chooseItem(const QString &name)
     const ItemDef *def = findItem(name);
     if (!def || !def->screen)
         return; // mHelpCommData: its check mark does the work
-    ConsoleState &s = m_core.state();
-    if (def->lockGuarded && s.SystemLocked)
+    if (def->lockGuarded && m_core.state().SystemLocked)
         return;
-    if (name == QLatin1String("mOnlineRun"))
-        s.request_command(3); // the console opens on a fresh UP block
-    if (def->refreshOnOpen)
-        s.RefreshOnOpen = true;
-    const auto opener = m_openers.value(QLatin1String(def->screen));
-    if (!opener)
+    if (!m_screens.open(QLatin1String(def->screen), m_core.context(), this))
         return;
-    opener(this);
     // A screen may have changed the machine list or its table.
     refreshMachineTable();
 }
@@ -505,7 +458,7 @@ void frmQM730_Main::mSysLock_Click()
         item->setText(kSysLocked);
         enable = false;
     } else {
-        if (!frmQM730_SysPass_Chk::check(m_core.state(), this))
+        if (!frmQM730_SysPass_Chk::check(m_core.context(), this))
             return;
         item->setText(kSysUnlocked);
         enable = true;
@@ -522,7 +475,7 @@ void frmQM730_Main::mHelpLock_Click()
     if (item->text() != kProgramUnlock) {
         item->setText(kProgramUnlock);
         s.SystemLocked = true;
-    } else if (frmQM730_SysPass_Chk::check(s, this)) {
+    } else if (frmQM730_SysPass_Chk::check(m_core.context(), this)) {
         s.SystemLocked = false;
         item->setText(kProgramLock);
     }

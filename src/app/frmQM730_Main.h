@@ -1,4 +1,5 @@
 #pragma once
+#include "ScreenRegistry.h"
 #include <QHash>
 #include <QMainWindow>
 #include <QTimer>
@@ -22,22 +23,15 @@ class TextTableModel;
 // sprdStatus, the status bar, the activity lamps and the communication view.
 // It owns no link logic: it drives ConsoleCore and follows the link's signals.
 //
-// Every other screen is opened modally from here. A menu item does its own
-// steps first (RefreshOnOpen, the UP read before the single-chamber console)
-// and then calls the opener registered for its screen name, if any; screens
-// without an opener yet are chosen without effect.
+// Every other screen is opened modally from here, through the registry of
+// screens (what happens before each opens, and how); a screen that is not
+// built yet is chosen without effect.
 class frmQM730_Main : public QMainWindow {
     Q_OBJECT
 public:
-    explicit frmQM730_Main(ConsoleCore &core, QWidget *parent = nullptr);
+    explicit frmQM730_Main(ConsoleCore &core, ScreenRegistry screens = ScreenRegistry::console(),
+                           QWidget *parent = nullptr);
     ~frmQM730_Main() override;
-
-    using ScreenOpener = std::function<void(QWidget *parent)>;
-    // screenName: the screen's class name as the menu table has it, for
-    // example "frmQM730_RunSimple" or "frmQM730SYS_Sensor". An empty opener
-    // removes the registration.
-    void setScreenOpener(const QString &screenName, ScreenOpener opener);
-    bool hasScreenOpener(const QString &screenName) const { return m_openers.contains(screenName); }
 
     ConsoleCore &core() { return m_core; }
     // A menu item by its name ("mOnlinePortOpen", "mSysSensor").
@@ -71,7 +65,7 @@ private:
     void lightLamp(ActivityLamp *lamp, QTimer &timer, int color);
 
     ConsoleCore &m_core;
-    QHash<QString, ScreenOpener> m_openers;
+    ScreenRegistry m_screens;
     QHash<QString, QAction *> m_items;
     QHash<QString, QMenu *> m_menus;
     QVector<QPushButton *> m_buttons;

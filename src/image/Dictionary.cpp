@@ -379,6 +379,14 @@ Encoding encodingOf(ParamRef ref, double v)
     }
 }
 
+std::optional<ParamBounds> ParamRange(ParamRef ref, double)
+{
+    const ParamInfo &info = paramInfo(ref.param);
+    if (!info.hasRange)
+        return std::nullopt;
+    return ParamBounds{info.low, info.high};
+}
+
 std::optional<ParamRef> ParamAtRow(int row, double firmwareVersion)
 {
     for (const ParamInfo &info : allParams()) {

@@ -154,6 +154,13 @@ Encoding encodingOf(ParamRef ref, double firmwareVersion);
 inline Encoding encodingOf(Param p, int i, double firmwareVersion) { return encodingOf(ParamRef(p, i), firmwareVersion); }
 inline Encoding encodingOf(Param p, int i, int k, double firmwareVersion) { return encodingOf(ParamRef(p, i, k), firmwareVersion); }
 
+// The range a page accepts for a parameter at a firmware, if one is stated.
+struct ParamBounds {
+    double low;
+    double high;
+};
+std::optional<ParamBounds> ParamRange(ParamRef ref, double firmwareVersion);
+
 // Which parameter a row holds at a firmware, if any (sprdUP rows only).
 std::optional<ParamRef> ParamAtRow(int row, double firmwareVersion);
 

@@ -1,4 +1,5 @@
 #include "Encodings.h"
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -395,6 +396,78 @@ quint16 wordFromDecimal(Encoding e, Decimal d)
     return clampWord(roundDecimal(d, encodingPow10(e), encodingOffset(e)));
 }
 } // namespace
+
+namespace {
+// |a| - |b| for digit strings without leading zeros, |a| >= |b|.
+std::string subtractDigits(const std::string &a, const std::string &b)
+{
+    std::string r(a.size(), '0');
+    int borrow = 0;
+    for (size_t i = 0; i < a.size(); ++i) {
+        int x = a[a.size() - 1 - i] - '0' - borrow;
+        const int y = i < b.size() ? b[b.size() - 1 - i] - '0' : 0;
+        borrow = x < y ? 1 : 0;
+        r[r.size() - 1 - i] = char('0' + x + 10 * borrow - y);
+    }
+    return r;
+}
+
+std::string addDigits(const std::string &a, const std::string &b)
+{
+    std::string r;
+    int carry = 0;
+    for (size_t i = 0; i < std::max(a.size(), b.size()) || carry; ++i) {
+        const int x = (i < a.size() ? a[a.size() - 1 - i] - '0' : 0) + (i < b.size() ? b[b.size() - 1 - i] - '0' : 0)
+                      + carry;
+        carry = x / 10;
+        r.insert(r.begin(), char('0' + x % 10));
+    }
+    return r;
+}
+
+bool lessDigits(const std::string &a, const std::string &b)
+{
+    return a.size() != b.size() ? a.size() < b.size() : a < b;
+}
+
+// d + n, exactly.
+Decimal addInteger(const Decimal &d, qint64 n)
+{
+    if (n == 0)
+        return d;
+    const Decimal o = decimalOf(n, 0);
+    const int e = std::min({d.exponent, o.exponent, 0});
+    auto scaled = [e](const Decimal &x) {
+        std::string s = x.digits.empty() ? std::string() : x.digits + std::string(size_t(x.exponent - e), '0');
+        const auto first = s.find_first_not_of('0');
+        return first == std::string::npos ? std::string() : s.substr(first);
+    };
+    const std::string a = scaled(d), b = scaled(o);
+    Decimal r;
+    r.exponent = e;
+    if (d.negative == o.negative) {
+        r.digits = addDigits(a, b);
+        r.negative = d.negative;
+    } else if (lessDigits(a, b)) {
+        r.digits = subtractDigits(b, a);
+        r.negative = o.negative;
+    } else {
+        r.digits = subtractDigits(a, b);
+        r.negative = d.negative;
+    }
+    return normalize(r);
+}
+} // namespace
+
+QString scaledValueText(Encoding e, QStringView text)
+{
+    if (e == Encoding::NEG10)
+        return QString::number(wordFromText(e, text));
+    Decimal d = decimalOf(text);
+    if (!d.digits.empty())
+        d.exponent += encodingPow10(e);
+    return generalText(addInteger(normalize(d), encodingOffset(e)));
+}
 
 quint16 wordFromValue(Encoding e, double value)
 {

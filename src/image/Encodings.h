@@ -65,6 +65,10 @@ inline int signedFromWord(quint16 w) { return int(qint16(w)); }
 quint16 wordFromValue(Encoding e, double value);
 // The word of a value typed as text, decided on its exact digits.
 quint16 wordFromText(Encoding e, QStringView text);
+// The value of a typed text scaled by the encoding (value x scale + offset),
+// exactly and not rounded: what the image cell holds until the controller's
+// own word is read back ("25.555" in T100 is "12555.5").
+QString scaledValueText(Encoding e, QStringView text);
 // The screen value of a word. The word is taken as the cell's whole number,
 // so numbers outside 0..65535 decode by the same formula.
 double valueFromWord(Encoding e, qint64 word);

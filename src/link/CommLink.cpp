@@ -67,7 +67,7 @@ bool CommLink::openLink()
     m_st.CurrentMachine = 0;
     m_st.NextPollSlot = -1;
     m_st.PollSlot = 0;
-    m_st.CmdState = 10;
+    m_st.CmdState = Cmd::Who;
     m_st.RefreshOnOpen = true;
     emit linkEvent(QStringLiteral("port COM%1 open (%2, %3): scanning %4 machine(s)")
                        .arg(m_st.CommPortNo)
@@ -306,51 +306,51 @@ void CommLink::sendPcLinkState(int P, int F)
     };
 
     switch (st) {
-    case 1: s.RxSettleMs = 50; send_rrp(P, 0); break;
-    case 2: s.RxSettleMs = 50; send_rcv(P); break;
-    case 3: s.RxSettleMs = 100; send_rup(F, 0); break;
-    case 4: s.RxSettleMs = 50; send_rtd(F, s.CmdIndex); break;
-    case 10: s.RxSettleMs = whoSettleMs(s.CommBaud); send_who(P); break;
-    case 11: s.RxSettleMs = 0; send_rcs(F); break;
-    case 51: s.RxSettleMs = 100; send_rup(F, 0); break;
-    case 52: s.RxSettleMs = 50; send_rtd(F, s.CmdIndex); break;
-    case 53: case 61: s.RxSettleMs = 50; send_rpd(F, s.PatternNo, 0); break;
-    case 54: case 62: case 94: s.RxSettleMs = 50; send_rsd(F, s.PatternNo, s.SegmentNo, 0); break;
-    case 91: s.RxSettleMs = 50; send_rpd(F, s.PatternNo, s.CmdIndex); break;
-    case 92: s.RxSettleMs = 50; send_rsd(F, s.PatternNo, s.SegmentNo, s.CmdIndex); break;
-    case 93: s.RxSettleMs = 50; send_rpd(F, s.PatternNo, 1); break;
-    case 101: s.RxSettleMs = 50; send_wrp(F, s.CmdIndex, s.CmdData); break;
-    case 102: s.RxSettleMs = 100; send_wup(F, s.CmdIndex, s.CmdData, s.FirmwareVersion()); break;
-    case 103: case 152: s.RxSettleMs = 100; send_wtd(F, s.CmdIndex, tdRow(s.CmdIndex)); break;
-    case 104:
+    case Cmd::Poll: s.RxSettleMs = 50; send_rrp(P, 0); break;
+    case Cmd::PollValues: s.RxSettleMs = 50; send_rcv(P); break;
+    case Cmd::ReadUp: s.RxSettleMs = 100; send_rup(F, 0); break;
+    case Cmd::ReadText: s.RxSettleMs = 50; send_rtd(F, s.CmdIndex); break;
+    case Cmd::Who: s.RxSettleMs = whoSettleMs(s.CommBaud); send_who(P); break;
+    case Cmd::ReadScreen: s.RxSettleMs = 0; send_rcs(F); break;
+    case Cmd::RecvUp: s.RxSettleMs = 100; send_rup(F, 0); break;
+    case Cmd::RecvText: s.RxSettleMs = 50; send_rtd(F, s.CmdIndex); break;
+    case Cmd::RecvPattern: case Cmd::ReadPattern: s.RxSettleMs = 50; send_rpd(F, s.PatternNo, 0); break;
+    case Cmd::RecvSegment: case Cmd::ReadPatternSegment: case Cmd::ReadLastSegment: s.RxSettleMs = 50; send_rsd(F, s.PatternNo, s.SegmentNo, 0); break;
+    case Cmd::ReadPatternWord: s.RxSettleMs = 50; send_rpd(F, s.PatternNo, s.CmdIndex); break;
+    case Cmd::ReadSegmentWord: s.RxSettleMs = 50; send_rsd(F, s.PatternNo, s.SegmentNo, s.CmdIndex); break;
+    case Cmd::ReadSegmentCount: s.RxSettleMs = 50; send_rpd(F, s.PatternNo, 1); break;
+    case Cmd::WriteRunWord: s.RxSettleMs = 50; send_wrp(F, s.CmdIndex, s.CmdData); break;
+    case Cmd::WriteUpRow: s.RxSettleMs = 100; send_wup(F, s.CmdIndex, s.CmdData, s.FirmwareVersion()); break;
+    case Cmd::WriteTextRow: case Cmd::SendText: s.RxSettleMs = 100; send_wtd(F, s.CmdIndex, tdRow(s.CmdIndex)); break;
+    case Cmd::WriteClockRows:
         s.RxSettleMs = 100;
         send_wup(F, s.CmdIndex, wordBytes(img.sprdUP_DT.number(1, s.CmdIndex)), s.FirmwareVersion());
         break;
-    case 150:
+    case Cmd::WriteUpRows:
         s.RxSettleMs = 100;
         send_wup(F, s.CmdIndex, s.CmdIndex == 0 ? upBlock() : wordBytes(img.sprdUP.number(1, s.CmdIndex)),
                  s.FirmwareVersion());
         break;
-    case 151: s.RxSettleMs = 100; send_wup(F, 0, upBlock(), s.FirmwareVersion()); break;
-    case 153: case 205: case 211: s.RxSettleMs = 100; send_wpd(F, s.PatternNo, 0, patternRow(s.PatternNo)); break;
-    case 154: case 204: case 212:
+    case Cmd::SendUp: s.RxSettleMs = 100; send_wup(F, 0, upBlock(), s.FirmwareVersion()); break;
+    case Cmd::SendPattern: case Cmd::WritePattern: case Cmd::WriteProgram: s.RxSettleMs = 100; send_wpd(F, s.PatternNo, 0, patternRow(s.PatternNo)); break;
+    case Cmd::SendSegment: case Cmd::RewriteSegments: case Cmd::WriteProgramSegment:
         s.RxSettleMs = 100;
         send_wsd(F, s.PatternNo, s.SegmentNo, 0, segmentWords(s.PatternNo, s.SegmentNo));
         break;
-    case 201: case 203: s.RxSettleMs = 100; send_wpd(F, s.PatternNo, s.CmdIndex, s.CmdData); break;
-    case 202: s.RxSettleMs = 100; send_wsd(F, s.PatternNo, s.SegmentNo, s.CmdIndex, s.CmdData); break;
-    case 311: s.RxSettleMs = 100; send_wup(P, 1, s.CmdData, s.FirmwareVersion()); break;
-    case 312: case 313: case 314: case 315: case 316:
-        s.RxSettleMs = 100; send_wrp(P, st - 311, s.CmdData); break;
-    case 321: s.RxSettleMs = 100; send_wrp(P, 8, s.CmdData); break;
-    case 322: s.RxSettleMs = 100; send_wrp(P, 9, s.CmdData); break;
-    case 323: s.RxSettleMs = 100; send_wrp(P, 6, s.CmdData); break;
-    case 324: s.RxSettleMs = 100; send_wrp(P, 7, s.CmdData); break;
-    case 325: s.RxSettleMs = 100; send_wrp(P, 12, s.CmdData); break;
-    case 326: s.RxSettleMs = 100; send_wrp(P, 10, s.CmdData); break;
-    case 327: s.RxSettleMs = 100; send_wrp(P, 13, s.CmdData); break;
-    case 328: s.RxSettleMs = 100; send_wrp(P, 11, s.CmdData); break;
-    case 400:
+    case Cmd::WritePatternWord: case Cmd::WriteSegmentCount: s.RxSettleMs = 100; send_wpd(F, s.PatternNo, s.CmdIndex, s.CmdData); break;
+    case Cmd::WriteSegmentWords: s.RxSettleMs = 100; send_wsd(F, s.PatternNo, s.SegmentNo, s.CmdIndex, s.CmdData); break;
+    case Cmd::MachineRunMethod: s.RxSettleMs = 100; send_wup(P, 1, s.CmdData, s.FirmwareVersion()); break;
+    case Cmd::MachineRun: case Cmd::MachineStep: case Cmd::MachineHold: case Cmd::MachineTempAT: case Cmd::MachineHumiAT:
+        s.RxSettleMs = 100; send_wrp(P, st - Cmd::MachineRun + 1, s.CmdData); break;
+    case Cmd::MachineStartPattern: s.RxSettleMs = 100; send_wrp(P, 8, s.CmdData); break;
+    case Cmd::MachineStartSegment: s.RxSettleMs = 100; send_wrp(P, 9, s.CmdData); break;
+    case Cmd::MachineTempPid: s.RxSettleMs = 100; send_wrp(P, 6, s.CmdData); break;
+    case Cmd::MachineHumiPid: s.RxSettleMs = 100; send_wrp(P, 7, s.CmdData); break;
+    case Cmd::MachineTempSV: s.RxSettleMs = 100; send_wrp(P, 12, s.CmdData); break;
+    case Cmd::MachineRow10: s.RxSettleMs = 100; send_wrp(P, 10, s.CmdData); break;
+    case Cmd::MachineHumiSV: s.RxSettleMs = 100; send_wrp(P, 13, s.CmdData); break;
+    case Cmd::MachineRow11: s.RxSettleMs = 100; send_wrp(P, 11, s.CmdData); break;
+    case Cmd::WriteCurve:
         s.RxSettleMs = 100;
         send_wup(F, s.CmdIndex, wordBytes(img.sprdUP.number(1, s.CmdIndex)), s.FirmwareVersion());
         break;
@@ -360,6 +360,26 @@ void CommLink::sendPcLinkState(int P, int F)
 }
 
 // ---------------------------------------------------------------- the time-out
+
+namespace {
+// The table a state of a bulk chain moves, if it is one.
+std::optional<BulkTable> bulkTableOf(int state)
+{
+    switch (state) {
+    case Cmd::RecvUp: case Cmd::SendUp: return BulkTable::Parameters;
+    case Cmd::RecvText: case Cmd::SendText: return BulkTable::Texts;
+    case Cmd::RecvPattern: case Cmd::SendPattern: return BulkTable::Patterns;
+    case Cmd::RecvSegment: case Cmd::SendSegment: return BulkTable::Segments;
+    default: break;
+    }
+    if ((state >= Cmd::RecvUpPieces && state <= Cmd::RecvUpLastPiece)
+        || (state >= Cmd::SendUpPieces && state <= Cmd::SendUpLastPiece))
+        return BulkTable::Parameters;
+    if (state >= Cmd::RecvTextInputs && state <= Cmd::RecvNamesLast)
+        return BulkTable::Texts;
+    return std::nullopt;
+}
+} // namespace
 
 void CommLink::tmrRecvErr_Timer()
 {
@@ -371,11 +391,19 @@ void CommLink::tmrRecvErr_Timer()
         if (s.RetryCount > 2) {
             s.RetryCount = 0;
             const int slot = s.PollSlot;
-            if (s.CmdState != 10) {
+            if (s.CmdState != Cmd::Who) {
                 if (slot >= 0 && slot < s.machines.size())
                     s.machines[slot].MachineOnline = false;
                 s.NextPollSlot = s.next_online_slot(slot + 1);
                 emit linkEvent(QStringLiteral("machine %1: no reply in state %2").arg(slotMachine(slot)).arg(s.CmdState));
+                // A bulk chain keeps trying; its screen hears that the machine is silent.
+                if (const auto table = bulkTableOf(s.CmdState); table && s.bulkJob != BulkJob::None) {
+                    BulkProgress p;
+                    p.job = s.bulkJob;
+                    p.table = *table;
+                    p.failed = true;
+                    emit bulkProgress(p);
+                }
             } else {
                 const int machine = slotMachine(slot);
                 s.setStatusPanel(4, QStringLiteral("機號 [") + QString::number(machine) + QStringLiteral("] ==> 通訊不良 "));
@@ -390,14 +418,14 @@ void CommLink::tmrRecvErr_Timer()
                 const int next = s.next_slot(slot);
                 s.NextPollSlot = next;
                 if (next != 0) {
-                    s.ReqCmd = 10;
+                    s.ReqCmd = Cmd::Who;
                 } else {
                     emit scanMessageVisible(false);
                     const bool any = update_menus();
                     s.setStatusPanel(4, QString());
                     s.PollSlot = 0;
                     if (any) {
-                        s.ReqCmd = 3;
+                        s.ReqCmd = Cmd::ReadUp;
                         s.NextPollSlot = s.next_online_slot(0);
                         s.applyFirmwareOfRow(s.NextPollSlot + 1);
                         emit linkEvent(QStringLiteral("scan done: polling"));

@@ -4,6 +4,7 @@
 #include "Files.h"
 #include "LiveStatus.h"
 #include "ReceiveBuffer.h"
+#include "Requests.h"
 #include <QObject>
 #include <QTimer>
 #include <stdexcept>
@@ -93,15 +94,16 @@ signals:
     void machineTableChanged();             // sprdStatus changed
     void pollCompleted(int slot);           // RCV of a slot stored
     void linkEvent(const QString &text);    // one line per change of link state
-    // Bulk transfers, addressed to the screen named in BulkFormName.
-    void bulkProgress(const QString &form, const QString &text);
-    void bulkStatus(const QString &form, const QString &text);
-    void bulkFinished(const QString &form);
+    // Bulk transfers: where the job of bulkJob stands, and its end.
+    void bulkProgress(const BulkProgress &progress);
+    void bulkFinished(BulkJob job);
     // Screen capture.
     void screenProgress(int percent);
     void screenCaptured();
-    // Clock and reserved start page.
-    void dateTimeStatus(const QString &text);
+    // The clock rows are written up to lastRow (17: the date and time; else
+    // the reserved start), or the controller acknowledged another row.
+    void clockRowsWritten(int lastRow);
+    void clockWriteRefused();
     // Segment editor: the segment rewrite is done.
     void segmentWriteDone();
 
@@ -130,7 +132,11 @@ private:
     void moveToNextOnlineSlot();
     void statusStored(int slot, const std::optional<RcvWords> &rows);
     void refreshIfFlagged();
-    void parameterBlockDone(const QString &status, int textState);
+    void reportBulk(BulkTable table, int done, int total, bool finished = false);
+    void textProgress(int row);
+    void textsDone();
+    void bulkEnd();
+    void parameterBlockDone(int textState);
     void bulkNextPattern();
     void programChainStep();
     void bulkEndReceive();

@@ -1,5 +1,6 @@
 #pragma once
 #include "ControllerImage.h"
+#include "Requests.h"
 #include "TextTable.h"
 #include <QByteArray>
 #include <QObject>
@@ -46,6 +47,7 @@ public:
     QString SystemPassword = QStringLiteral("Nolk8264");
     bool SystemLocked = false;   // operator's program lock (mHelpLock)
     int PtnDataOption = -1;      // index of optPTN_Data; -1 when none is selected
+    bool SingleConsoleOpen = false; // the single-chamber console is open
 
     // Machine list.
     bool MultiMode = false;
@@ -81,8 +83,9 @@ public:
     int PatternNo = 1;
     int SegmentNo = 1;
     int SegmentCount = 0;
-    QString BulkFormName;
-    bool BulkWithPrograms = false; // the bulk screen's option to include the programs
+    QString BulkFormName;             // the screen that drives the bulk transfer
+    BulkJob bulkJob = BulkJob::None;  // the same as a job
+    bool BulkWithPrograms = false;    // the bulk screen's option to include the programs
     bool RefreshAfterWrite = false;
     bool RefreshOnOpen = false;
     bool ParamPageOpen = false;
@@ -97,10 +100,12 @@ public:
     void setActiveRefreshTimer(QTimer *t) { ActiveRefreshTimer = t ? t : MainRefreshTimer.data(); }
     void startActiveRefresh();
 
-    // The one way for a screen to reach the link: a mailbox of one slot, the last writer wins.
+    // The mailbox of one slot, the last writer wins. Screens post through
+    // requests(), which names each kind and works out its addresses.
     void request_command(int code, int index = 0, const QByteArray &data = QByteArray(2, '\0'));
     // request_command with a 16-bit word as the two payload bytes, high byte first.
     void request_word(int code, int index, int word);
+    Requests requests() { return Requests(*this); }
 
     // Slot walks of the scan and the poll.
     int next_slot(int slot) const;
@@ -117,7 +122,6 @@ public:
     // 40100 + row under Modbus RTU in the current layout.
     int WireAddress(int row) const;
 
-    // Copies of settings in force, so screens read what the link uses.
 signals:
     void statusPanelChanged(int panel, const QString &text);
 

@@ -9,12 +9,6 @@
 
 using namespace framebytes;
 
-namespace {
-const QString kRecvForm = QStringLiteral("frmQM730_P_Recv");
-const QString kPtnForm = QStringLiteral("frmQM730_PTN_Recv");
-const QString kSendForm = QStringLiteral("frmQM730_P_Send");
-
-} // namespace
 
 // ---------------------------------------------------------------- store routines
 
@@ -138,26 +132,59 @@ void CommLink::statusStored(int slot, const std::optional<RcvWords> &rows)
         WriteErrorLog(s.home, 9, QStringLiteral("RCV reply too short"), QStringLiteral("Disp_RCV"));
     emit pollCompleted(slot);
     if (s.ParamPageOpen || s.ParamChanged || s.RefreshOnOpen) {
-        s.CmdState = 3;
+        s.CmdState = Cmd::ReadUp;
     } else {
         moveToNextOnlineSlot();
-        s.CmdState = 1;
+        s.CmdState = Cmd::Poll;
     }
+}
+
+void CommLink::reportBulk(BulkTable table, int done, int total, bool finished)
+{
+    BulkProgress p;
+    p.job = m_st.bulkJob;
+    p.table = table;
+    p.done = done;
+    p.total = total;
+    p.finished = finished;
+    emit bulkProgress(p);
+}
+
+// A text row of a bulk transfer is through: rows of all texts in a parameter
+// transfer, pattern names in a program fetch.
+void CommLink::textProgress(int row)
+{
+    if (m_st.bulkJob == BulkJob::ProgramFetch)
+        reportBulk(BulkTable::Texts, std::max(0, row - 11), m_st.PatternCount());
+    else
+        reportBulk(BulkTable::Texts, row, m_st.PatternCount() + 11);
+}
+
+void CommLink::textsDone()
+{
+    const int total = m_st.bulkJob == BulkJob::ProgramFetch ? m_st.PatternCount() : m_st.PatternCount() + 11;
+    reportBulk(BulkTable::Texts, total, total, true);
+}
+
+void CommLink::bulkEnd()
+{
+    const BulkJob job = m_st.bulkJob;
+    m_st.CmdState = Cmd::Poll;
+    emit bulkFinished(job);
 }
 
 // The parameter block of a bulk transfer is through; the text rows and the
 // programs follow when the screen asked for them.
-void CommLink::parameterBlockDone(const QString &status, int textState)
+void CommLink::parameterBlockDone(int textState)
 {
     ConsoleState &s = m_st;
-    emit bulkStatus(s.BulkFormName, status);
+    reportBulk(BulkTable::Parameters, s.image.sprdUP.rowCount(), s.image.sprdUP.rowCount(), true);
     if (s.BulkWithPrograms) {
         s.CmdIndex = 1;
         s.CmdIndexEnd = s.PatternCount() + 11;
         s.CmdState = textState;
     } else {
-        emit bulkFinished(s.BulkFormName);
-        s.CmdState = 1;
+        bulkEnd();
     }
 }
 
@@ -194,7 +221,7 @@ void CommLink::scanAnswered(int slot, const QString &firmwareText, bool modbusTe
     const int next = s.next_slot(s.PollSlot);
     s.NextPollSlot = next;
     if (next != 0) {
-        s.ReqCmd = 10;
+        s.ReqCmd = Cmd::Who;
         tmrSend.start();
         return;
     }
@@ -216,7 +243,7 @@ void CommLink::scanEnd()
         return;
     }
     moveToNextOnlineSlot();
-    s.CmdState = 1;
+    s.CmdState = Cmd::Poll;
     emit linkEvent(QStringLiteral("scan done: polling, foreground machine %1, F/W %2, %3 UP rows")
                        .arg(s.CurrentMachine)
                        .arg(s.FirmwareVersion())
@@ -227,16 +254,16 @@ void CommLink::scanEnd()
 void CommLink::bulkNextPattern()
 {
     ConsoleState &s = m_st;
-    if (s.BulkFormName == kPtnForm) {
+    if (s.bulkJob == BulkJob::ProgramFetch) {
         const int p = NextUnloadedRow(s.image, QStringLiteral("RPD"), s.PatternNo + 1);
         if (p > 0) {
             s.PatternNo = p;
-            s.CmdState = 53;
+            s.CmdState = Cmd::RecvPattern;
             return;
         }
     } else if (s.PatternNo + 1 <= s.PatternCount()) {
         s.PatternNo += 1;
-        s.CmdState = 53;
+        s.CmdState = Cmd::RecvPattern;
         return;
     }
     bulkEndReceive();
@@ -245,10 +272,10 @@ void CommLink::bulkNextPattern()
 void CommLink::bulkEndReceive()
 {
     ConsoleState &s = m_st;
-    emit bulkStatus(s.BulkFormName, QStringLiteral("接收完了"));
-    emit bulkFinished(s.BulkFormName);
+    reportBulk(BulkTable::Patterns, s.PatternNo, s.PatternCount(), true);
+    reportBulk(BulkTable::Segments, s.SegmentCount, s.SegmentCount, true);
     SaveProgramCache(s.image, s.home, s.CurrentMachine);
-    s.CmdState = 1;
+    bulkEnd();
 }
 
 void CommLink::sendChainNextPattern()
@@ -256,12 +283,12 @@ void CommLink::sendChainNextPattern()
     ConsoleState &s = m_st;
     s.PatternNo += 1;
     if (s.PatternNo <= s.PatternCount()) {
-        s.CmdState = 153;
+        s.CmdState = Cmd::SendPattern;
         return;
     }
-    emit bulkStatus(s.BulkFormName, QStringLiteral("傳送完了"));
-    emit bulkFinished(s.BulkFormName);
-    s.CmdState = 1;
+    reportBulk(BulkTable::Patterns, s.PatternCount(), s.PatternCount(), true);
+    reportBulk(BulkTable::Segments, s.SegmentCount, s.SegmentCount, true);
+    bulkEnd();
 }
 
 // The program chains after their reply is stored or acknowledged: the same in
@@ -271,79 +298,75 @@ void CommLink::programChainStep()
     ConsoleState &s = m_st;
     ControllerImage &img = s.image;
     auto clampSegments = [](qint64 n) { return int(std::clamp<qint64>(n, 0, ControllerImage::MaxSegments)); };
-    const QString pc11 = QString::number(s.PatternCount() + 11);
     switch (s.CmdState) {
-    case 53: case 61:
+    case Cmd::RecvPattern: case Cmd::ReadPattern:
         s.SegmentCount = clampSegments(img.sprdPD.number(1, s.PatternNo));
         if (s.PatternNo >= 1 && s.PatternNo <= ControllerImage::MaxPatterns)
             img.PatternLoaded[s.PatternNo - 1] = true;
-        if (s.CmdState == 61) {
+        if (s.CmdState == Cmd::ReadPattern) {
             s.SegmentNo = 1;
-            s.CmdState = 62;
+            s.CmdState = Cmd::ReadPatternSegment;
             break;
         }
-        emit bulkProgress(s.BulkFormName, s.BulkFormName == kPtnForm
-                                              ? QStringLiteral("程式組資料 接收中... [%1/%2]").arg(s.PatternNo).arg(s.PatternCount())
-                                              : QStringLiteral("%1/%2").arg(s.PatternNo).arg(s.PatternCount()));
+        reportBulk(BulkTable::Patterns, s.PatternNo, s.PatternCount());
         if (s.SegmentCount > 0) {
             s.SegmentNo = 1;
-            s.CmdState = 54;
+            s.CmdState = Cmd::RecvSegment;
         } else {
             bulkNextPattern();
         }
         break;
-    case 54: case 62:
-        if (s.CmdState == 54 && s.BulkFormName != kPtnForm)
-            emit bulkProgress(s.BulkFormName, QStringLiteral("%1/%2").arg(s.SegmentNo).arg(s.SegmentCount));
+    case Cmd::RecvSegment: case Cmd::ReadPatternSegment:
+        if (s.CmdState == Cmd::RecvSegment)
+            reportBulk(BulkTable::Segments, s.SegmentNo, s.SegmentCount);
         s.SegmentNo += 1;
         if (s.SegmentNo <= s.SegmentCount)
             break;
-        if (s.CmdState == 54) {
+        if (s.CmdState == Cmd::RecvSegment) {
             bulkNextPattern();
         } else {
-            s.CmdState = 1;
+            s.CmdState = Cmd::Poll;
             s.startActiveRefresh();
             s.RefreshAfterWrite = false;
         }
         break;
-    case 93:
-        s.CmdState = 94;
+    case Cmd::ReadSegmentCount:
+        s.CmdState = Cmd::ReadLastSegment;
         break;
-    case 91: case 92: case 94:
+    case Cmd::ReadPatternWord: case Cmd::ReadSegmentWord: case Cmd::ReadLastSegment:
         refreshIfFlagged();
-        s.CmdState = 1;
+        s.CmdState = Cmd::Poll;
         break;
-    case 152:
-        emit bulkProgress(s.BulkFormName, QString::number(s.CmdIndex) + u'/' + pc11);
+    case Cmd::SendText:
+        textProgress(s.CmdIndex);
         s.CmdIndex += 1;
         if (s.CmdIndex <= s.CmdIndexEnd)
             break;
-        emit bulkStatus(s.BulkFormName, QStringLiteral("傳送完了"));
+        textsDone();
         if (s.BulkWithPrograms) {
             s.PatternNo = 1;
-            s.CmdState = 153;
+            s.CmdState = Cmd::SendPattern;
         } else {
-            emit bulkFinished(s.BulkFormName);
-            s.CmdState = 1;
+            bulkEnd();
         }
         break;
-    case 153:
-        emit bulkProgress(s.BulkFormName, QStringLiteral("%1/%2").arg(s.PatternNo).arg(s.PatternCount()));
+    case Cmd::SendPattern:
+        reportBulk(BulkTable::Patterns, s.PatternNo, s.PatternCount());
         s.SegmentCount = clampSegments(img.sprdPD.number(1, s.PatternNo));
         if (s.SegmentCount == 0) {
             sendChainNextPattern();
         } else {
             s.SegmentNo = 1;
-            s.CmdState = 154;
+            s.CmdState = Cmd::SendSegment;
         }
         break;
-    case 154:
-        emit bulkProgress(s.BulkFormName, QStringLiteral("%1/%2").arg(s.SegmentNo).arg(s.SegmentCount));
+    case Cmd::SendSegment:
+        reportBulk(BulkTable::Segments, s.SegmentNo, s.SegmentCount);
         s.SegmentNo += 1;
         if (s.SegmentNo > s.SegmentCount)
             sendChainNextPattern();
         break;
-    case 202:
+    case Cmd::WriteSegmentWords:
         s.CmdIndex += 1;
         if (s.CmdIndex <= s.CmdIndexEnd) {
             s.CmdData = wordBytes(img.sprdSD.number((s.SegmentNo - 1) * ControllerImage::SegmentWords + s.CmdIndex,
@@ -352,44 +375,44 @@ void CommLink::programChainStep()
         }
         s.CmdIndex = s.CmdIndexEnd;
         s.RefreshAfterWrite = true;
-        s.CmdState = 92;
+        s.CmdState = Cmd::ReadSegmentWord;
         break;
-    case 203:
+    case Cmd::WriteSegmentCount:
         if (s.SegmentNo > s.SegmentCount) {
             s.SegmentNo = s.SegmentCount;
             s.RefreshAfterWrite = true;
-            s.CmdState = 93;
+            s.CmdState = Cmd::ReadSegmentCount;
         } else {
-            s.CmdState = 204;
+            s.CmdState = Cmd::RewriteSegments;
         }
         break;
-    case 204:
+    case Cmd::RewriteSegments:
         s.SegmentNo += 1;
         if (s.SegmentNo <= s.SegmentCount)
             break;
         emit segmentWriteDone();
         s.RefreshAfterWrite = true;
         s.SegmentNo = s.SegmentCount;
-        s.CmdState = 93;
+        s.CmdState = Cmd::ReadSegmentCount;
         break;
-    case 205:
+    case Cmd::WritePattern:
         s.startActiveRefresh();
-        s.CmdState = 1;
+        s.CmdState = Cmd::Poll;
         break;
-    case 211:
+    case Cmd::WriteProgram:
         if (s.SegmentCount == 0) {
-            s.CmdState = 61;
+            s.CmdState = Cmd::ReadPattern;
         } else {
             s.SegmentNo = 1;
-            s.CmdState = 212;
+            s.CmdState = Cmd::WriteProgramSegment;
         }
         break;
-    case 212:
+    case Cmd::WriteProgramSegment:
         s.SegmentNo += 1;
         if (s.SegmentNo <= s.SegmentCount)
             break;
         s.SegmentNo = 1;
-        s.CmdState = 61;
+        s.CmdState = Cmd::ReadPattern;
         break;
     default:
         break;
@@ -406,49 +429,47 @@ void CommLink::dispatchPcLink()
     const QString &cmd = s.LastReplyCmd;
     const int slot = s.PollSlot;
     auto is = [&](const char *c) { return cmd == QLatin1String(c); };
-    const QString pc11 = QString::number(s.PatternCount() + 11);
-
     switch (s.CmdState) {
-    case 1: {
+    case Cmd::Poll: {
         const int index = num4(f, 12);
         if (index > 0)
             Disp_RRP(slot, f, 16, index, 1);
         else
             Disp_RRP(slot, f, 16, 1, ControllerImage::RrpRows);
-        s.CmdState = 2;
+        s.CmdState = Cmd::PollValues;
         break;
     }
-    case 2:
+    case Cmd::PollValues:
         statusStored(slot, decodeRcvPcLink(QByteArrayView(f).sliced(std::min<qsizetype>(11, f.size()))));
         break;
-    case 3: case 51: {
+    case Cmd::ReadUp: case Cmd::RecvUp: {
         const int index = num4(f, 12);
         if (index > 0)
             Disp_RUP(f, 16, index, 1);
         else
             Disp_RUP(f, 16, 1, (f.size() - 19) / 2);
-        if (s.CmdState == 3) {
+        if (s.CmdState == Cmd::ReadUp) {
             refreshIfFlagged();
             moveToNextOnlineSlot();
-            s.CmdState = 1;
+            s.CmdState = Cmd::Poll;
             break;
         }
-        parameterBlockDone(QStringLiteral("接收完了"), 52);
+        parameterBlockDone(Cmd::RecvText);
         break;
     }
-    case 4:
+    case Cmd::ReadText:
         Disp_RTD(s.CmdIndex, f.mid(16, 29));
         s.CmdIndex += 1;
         if (s.CmdIndex > s.CmdIndexEnd) {
             s.CmdIndexEnd = 0;
-            s.CmdState = 1;
+            s.CmdState = Cmd::Poll;
             if (s.RefreshAfterWrite) {
                 s.startActiveRefresh();
                 s.RefreshAfterWrite = false;
             }
         }
         break;
-    case 10: {
+    case Cmd::Who: {
         // The identity text runs from column 12 to the byte before ETX.
         QByteArray raw = f.mid(11);
         const qsizetype etx = raw.indexOf(char(0x03));
@@ -471,91 +492,91 @@ void CommLink::dispatchPcLink()
         scanAnswered(slot, firmware, false);
         break;
     }
-    case 11:
+    case Cmd::ReadScreen:
         saveScreen(f);
         moveToNextOnlineSlot();
-        s.CmdState = 1;
+        s.CmdState = Cmd::Poll;
         break;
-    case 52: {
+    case Cmd::RecvText: {
         Disp_RTD(s.CmdIndex, f.mid(16, 29));
         if (s.CmdIndex >= 12 && s.CmdIndex - 12 < ControllerImage::MaxPatterns)
             img.PatternNameLoaded[s.CmdIndex - 12] = true;
-        if (s.BulkFormName == kPtnForm) {
-            emit bulkProgress(s.BulkFormName, QStringLiteral("程式組名稱 接收中... [%1/%2]")
-                                                  .arg(s.CmdIndex - 11).arg(s.PatternCount()));
+        textProgress(s.CmdIndex);
+        if (s.bulkJob == BulkJob::ProgramFetch) {
             const int next = NextUnloadedRow(img, QStringLiteral("RTD"), s.CmdIndex + 1);
             if (next > 0) {
                 s.CmdIndex = next;
                 break;
             }
+            s.CmdIndexEnd = 0;
+            textsDone();
             const int p = NextUnloadedRow(img, QStringLiteral("RPD"), 1);
             if (p > 0) {
                 s.PatternNo = p;
-                s.CmdState = 53;
+                s.CmdState = Cmd::RecvPattern;
             } else {
                 bulkEndReceive();
             }
             break;
         }
-        emit bulkProgress(s.BulkFormName, QString::number(s.CmdIndex) + u'/' + pc11);
         s.CmdIndex += 1;
         if (s.CmdIndex > s.CmdIndexEnd) {
+            textsDone();
             s.PatternNo = 1;
-            s.CmdState = 53;
+            s.CmdState = Cmd::RecvPattern;
         }
         break;
     }
-    case 53: case 61:
+    case Cmd::RecvPattern: case Cmd::ReadPattern:
         Disp_RPD(s.PatternNo, f, 21, 1, ControllerImage::PatternWords, "Disp_RPD");
         programChainStep();
         break;
-    case 54: case 62: case 94:
+    case Cmd::RecvSegment: case Cmd::ReadPatternSegment: case Cmd::ReadLastSegment:
         Disp_RSD(s.PatternNo, s.SegmentNo, f, 26, 1, ControllerImage::SegmentWords, "Disp_RSD");
         programChainStep();
         break;
-    case 91: case 93:
+    case Cmd::ReadPatternWord: case Cmd::ReadSegmentCount:
         Disp_RPD(s.PatternNo, f, 21, num4(f, 17), 1, "Disp_RPD");
         programChainStep();
         break;
-    case 92:
+    case Cmd::ReadSegmentWord:
         Disp_RSD(s.PatternNo, s.SegmentNo, f, 26, num4(f, 22), 1, "Disp_RSD");
         programChainStep();
         break;
-    case 101:
+    case Cmd::WriteRunWord:
         if (!is("WRP"))
             break;
         s.RefreshAfterWrite = true;
-        s.CmdState = 1;
+        s.CmdState = Cmd::Poll;
         break;
-    case 102:
+    case Cmd::WriteUpRow:
         if (!is("WUP"))
             break;
         s.RefreshAfterWrite = true;
         m_writeWaitAfterDispatch = WriteSettleMs;
-        s.CmdState = 1;
+        s.CmdState = Cmd::Poll;
         break;
-    case 103:
+    case Cmd::WriteTextRow:
         if (!is("WTD"))
             break;
         s.RefreshAfterWrite = true;
-        s.CmdState = 4;
+        s.CmdState = Cmd::ReadText;
         break;
-    case 104:
+    case Cmd::WriteClockRows:
         if (!is("WUP"))
             break;
         if (num4(f, 12) != s.CmdIndex) {
-            emit dateTimeStatus(QStringLiteral("通訊不良"));
+            emit clockWriteRefused();
             break;
         }
         s.CmdIndex += 1;
         if (s.CmdIndex <= s.CmdIndexEnd)
             break;
-        emit dateTimeStatus(s.CmdIndexEnd == 17 ? QStringLiteral("日期/時間 : 傳送完了")
-                                                : QStringLiteral("預約運轉 : 傳送完了"));
+        emit clockRowsWritten(s.CmdIndexEnd);
         s.RefreshAfterWrite = true;
-        s.CmdState = 1;
+        s.CmdState = Cmd::Poll;
         break;
-    case 150:
+    case Cmd::WriteUpRows:
         if (!is("WUP"))
             break;
         s.CmdIndex += 1;
@@ -563,46 +584,46 @@ void CommLink::dispatchPcLink()
             break;
         s.CmdIndex = 0;
         s.CmdIndexEnd = 0;
-        s.CmdState = 1;
+        s.CmdState = Cmd::Poll;
         break;
-    case 151:
+    case Cmd::SendUp:
         if (!is("WUP"))
             break;
-        parameterBlockDone(QStringLiteral("傳送完了"), 152);
+        parameterBlockDone(Cmd::SendText);
         break;
-    case 152:
+    case Cmd::SendText:
         if (is("WTD"))
             programChainStep();
         break;
-    case 153: case 203: case 205: case 211:
+    case Cmd::SendPattern: case Cmd::WriteSegmentCount: case Cmd::WritePattern: case Cmd::WriteProgram:
         if (is("WPD"))
             programChainStep();
         break;
-    case 154: case 204: case 212:
+    case Cmd::SendSegment: case Cmd::RewriteSegments: case Cmd::WriteProgramSegment:
         if (is("WSD"))
             programChainStep();
         break;
-    case 201:
+    case Cmd::WritePatternWord:
         if (!is("WPD"))
             break;
         s.CmdIndex = num4(f, 17);
         s.RefreshAfterWrite = true;
-        s.CmdState = 91;
+        s.CmdState = Cmd::ReadPatternWord;
         break;
-    case 202:
+    case Cmd::WriteSegmentWords:
         if (is("WSD"))
             programChainStep();
         break;
-    case 311:
+    case Cmd::MachineRunMethod:
         if (is("WUP"))
-            s.CmdState = 1;
+            s.CmdState = Cmd::Poll;
         break;
-    case 312: case 313: case 314: case 315: case 316:
-    case 321: case 322: case 323: case 324: case 325: case 326: case 327: case 328:
+    case Cmd::MachineRun: case Cmd::MachineStep: case Cmd::MachineHold: case Cmd::MachineTempAT: case Cmd::MachineHumiAT:
+    case Cmd::MachineStartPattern: case Cmd::MachineStartSegment: case Cmd::MachineTempPid: case Cmd::MachineHumiPid: case Cmd::MachineTempSV: case Cmd::MachineRow10: case Cmd::MachineHumiSV: case Cmd::MachineRow11:
         if (is("WRP"))
-            s.CmdState = 1;
+            s.CmdState = Cmd::Poll;
         break;
-    case 400:
+    case Cmd::WriteCurve:
         if (!is("WUP"))
             break;
         s.CmdIndex += 1;
@@ -610,7 +631,7 @@ void CommLink::dispatchPcLink()
             break;
         s.RefreshAfterWrite = true;
         m_writeWaitAfterDispatch = WriteSettleMs;
-        s.CmdState = 1;
+        s.CmdState = Cmd::Poll;
         break;
     default:
         break;

@@ -36,70 +36,70 @@ void CommLink::sendModbusState(int P, int F)
         return d;
     };
 
-    if (st >= 3 && st <= 6) {
-        read(F, 40101 + 120 * (st - 3), 120);
-    } else if (st >= 5101 && st <= 5104) {
-        read(F, 40101 + 120 * (st - 5101), 120);
-    } else if (st >= 9001 && st <= 9010) {
-        read(F, 44001 + 120 * (st - 9001), 120);
-    } else if (st >= 5201 && st <= 5210) {
-        read(F, 44001 + 120 * (st - 5201), 120);
-    } else if (st >= 1511 && st <= 1515) {
+    if (st >= Cmd::ReadUp && st < Cmd::ReadUpLastPiece) {
+        read(F, 40101 + 120 * (st - Cmd::ReadUp), 120);
+    } else if (st >= Cmd::RecvUpPieces && st < Cmd::RecvUpLastPiece) {
+        read(F, 40101 + 120 * (st - Cmd::RecvUpPieces), 120);
+    } else if (st >= Cmd::ReadNames && st <= Cmd::ReadNamesLast) {
+        read(F, 44001 + 120 * (st - Cmd::ReadNames), 120);
+    } else if (st >= Cmd::RecvNames && st <= Cmd::RecvNamesLast) {
+        read(F, 44001 + 120 * (st - Cmd::RecvNames), 120);
+    } else if (st >= Cmd::SendUpPieces && st <= Cmd::SendUpLastPiece) {
         // Five pieces of 120 registers; rows past the end of the table go as 0.
-        const int k = st - 1511;
+        const int k = st - Cmd::SendUpPieces;
         QByteArray d;
         for (int r = k * 120 + 1; r <= k * 120 + 120; ++r)
             d += wordBytes(r <= img.sprdUP.rowCount() ? img.sprdUP.number(1, r) : 0);
         write(F, 40101 + 120 * k, 120, d);
     } else {
         switch (st) {
-        case 1: read(P, 40001, ControllerImage::RrpRows); break;
-        case 2: read(P, 30101, ControllerImage::RcvRows); break;
-        case 7: case 5105: read(F, 40581, 32); break;
-        case 77: read(F, 40700, 2); break;
-        case 8: case 5199: read(F, 42001, 120); break;
-        case 9: case 5200: read(F, 43001, 45); break;
-        case 10: read(P, 30001, 2); break;
-        case 53: case 61: read(F, patternRegister(s.PatternNo), ControllerImage::PatternWords); break;
-        case 93: read(F, patternRegister(s.PatternNo), 1); break;
-        case 91: read(F, patternRegister(s.PatternNo) - 1 + s.CmdIndex, 1); break;
-        case 54: case 62: case 92: case 94:
+        case Cmd::Poll: read(P, 40001, ControllerImage::RrpRows); break;
+        case Cmd::PollValues: read(P, 30101, ControllerImage::RcvRows); break;
+        case Cmd::ReadUpLastPiece: case Cmd::RecvUpLastPiece: read(F, 40581, 32); break;
+        case Cmd::ReadUpPlus: read(F, 40700, 2); break;
+        case Cmd::ReadTextInputs: case Cmd::RecvTextInputs: read(F, 42001, 120); break;
+        case Cmd::ReadTextInfo: case Cmd::RecvTextInfo: read(F, 43001, 45); break;
+        case Cmd::Who: read(P, 30001, 2); break;
+        case Cmd::RecvPattern: case Cmd::ReadPattern: read(F, patternRegister(s.PatternNo), ControllerImage::PatternWords); break;
+        case Cmd::ReadSegmentCount: read(F, patternRegister(s.PatternNo), 1); break;
+        case Cmd::ReadPatternWord: read(F, patternRegister(s.PatternNo) - 1 + s.CmdIndex, 1); break;
+        case Cmd::RecvSegment: case Cmd::ReadPatternSegment: case Cmd::ReadSegmentWord: case Cmd::ReadLastSegment:
             m_lastMachine = F;
             writeModbus(modbus::modbus_read_record(F, s.PatternNo, s.SegmentNo, ControllerImage::SegmentWords),
                         modbus::readRecordReplyLength(ControllerImage::SegmentWords));
             break;
-        case 101: case 102: write(F, s.CmdIndex, 1, s.CmdData); break;
-        case 103: case 152: {
+        case Cmd::WriteRunWord: case Cmd::WriteUpRow: write(F, s.CmdIndex, 1, s.CmdData); break;
+        case Cmd::WriteTextRow: case Cmd::SendText: {
             const int row = s.CmdIndex;
             write(F, tdRegister(row), tdRegisters(row), tdTextToBytes(img.sprdTD.text(1, row), 2 * tdRegisters(row)));
             break;
         }
-        case 104: case 150: case 401: write(F, s.CmdIndex, s.WriteBlockCount, s.WriteBlock); break;
-        case 153: case 205: case 211: {
+        case Cmd::WriteClockRows: case Cmd::WriteUpRows: case Cmd::WriteCurveBlock: write(F, s.CmdIndex, s.WriteBlockCount, s.WriteBlock); break;
+        case Cmd::SendPattern: case Cmd::WritePattern: case Cmd::WriteProgram: {
             QByteArray d;
             for (int w = 1; w <= ControllerImage::PatternWords; ++w)
                 d += wordBytes(img.sprdPD.number(w, s.PatternNo));
             write(F, patternRegister(s.PatternNo), ControllerImage::PatternWords, d);
             break;
         }
-        case 154: case 202: case 204: case 212:
+        case Cmd::SendSegment: case Cmd::WriteSegmentWords: case Cmd::RewriteSegments: case Cmd::WriteProgramSegment:
             m_lastMachine = F;
             writeModbus(modbus::modbus_write_record(F, s.PatternNo, s.SegmentNo, ControllerImage::SegmentWords,
                                                     segment(s.PatternNo, s.SegmentNo)),
                         modbus::writeRecordReplyLength(ControllerImage::SegmentWords));
             break;
-        case 201: case 203: write(F, patternRegister(s.PatternNo) - 1 + s.CmdIndex, 1, s.CmdData); break;
-        case 311: write(P, 40101, 1, s.CmdData); break;
-        case 312: case 313: case 314: case 315: case 316: write(P, 40001 + (st - 312), 1, s.CmdData); break;
-        case 321: write(P, 40008, 1, s.CmdData); break;
-        case 322: write(P, 40009, 1, s.CmdData); break;
-        case 323: write(P, 40006, 1, s.CmdData); break;
-        case 324: write(P, 40007, 1, s.CmdData); break;
-        case 325: write(P, 40012, 1, s.CmdData); break;
-        case 326: write(P, 40010, 1, s.CmdData); break;
-        case 327: write(P, 40013, 1, s.CmdData); break;
-        case 328: write(P, 40011, 1, s.CmdData); break;
-        case 400: write(F, 40100 + s.CmdIndex, 1, wordBytes(img.sprdUP.number(1, s.CmdIndex))); break;
+        case Cmd::WritePatternWord: case Cmd::WriteSegmentCount: write(F, patternRegister(s.PatternNo) - 1 + s.CmdIndex, 1, s.CmdData); break;
+        case Cmd::MachineRunMethod: write(P, 40101, 1, s.CmdData); break;
+        case Cmd::MachineRun: case Cmd::MachineStep: case Cmd::MachineHold: case Cmd::MachineTempAT: case Cmd::MachineHumiAT: write(P, 40001 + (st - Cmd::MachineRun), 1, s.CmdData); break;
+        case Cmd::MachineStartPattern: write(P, 40008, 1, s.CmdData); break;
+        case Cmd::MachineStartSegment: write(P, 40009, 1, s.CmdData); break;
+        case Cmd::MachineTempPid: write(P, 40006, 1, s.CmdData); break;
+        case Cmd::MachineHumiPid: write(P, 40007, 1, s.CmdData); break;
+        case Cmd::MachineTempSV: write(P, 40012, 1, s.CmdData); break;
+        case Cmd::MachineRow10: write(P, 40010, 1, s.CmdData); break;
+        case Cmd::MachineHumiSV: write(P, 40013, 1, s.CmdData); break;
+        case Cmd::MachineRow11: write(P, 40011, 1, s.CmdData); break;
+        case Cmd::WriteCurve: write(F, 40100 + s.CmdIndex, 1, wordBytes(img.sprdUP.number(1, s.CmdIndex))); break;
         default:
             break; // state 11 (screen capture) and unknown states send nothing
         }
@@ -152,26 +152,25 @@ void CommLink::dispatchModbus()
                 img.PatternNameLoaded[row - 12] = true;
         }
     };
-    const QString pc11 = QString::number(s.PatternCount() + 11);
 
-    if (st >= 3 && st <= 6) {
-        Disp_RUP(f, 3, (st - 3) * 120 + 1, 120);
+    if (st >= Cmd::ReadUp && st < Cmd::ReadUpLastPiece) {
+        Disp_RUP(f, 3, (st - Cmd::ReadUp) * 120 + 1, 120);
         s.CmdState = st + 1;
         return;
     }
-    if (st >= 5101 && st <= 5104) {
-        Disp_RUP(f, 3, (st - 5101) * 120 + 1, 120);
-        emit bulkProgress(s.BulkFormName, QStringLiteral("%1/512").arg((st - 5100) * 120));
+    if (st >= Cmd::RecvUpPieces && st < Cmd::RecvUpLastPiece) {
+        Disp_RUP(f, 3, (st - Cmd::RecvUpPieces) * 120 + 1, 120);
+        reportBulk(BulkTable::Parameters, (st - Cmd::RecvUpPieces + 1) * 120, 512);
         s.CmdState = st + 1;
         return;
     }
-    if (st >= 9001 && st <= 9010) {
-        storeText(12 + 10 * (st - 9001), 10, 24, true);
-        if (st < 9010) {
+    if (st >= Cmd::ReadNames && st <= Cmd::ReadNamesLast) {
+        storeText(12 + 10 * (st - Cmd::ReadNames), 10, 24, true);
+        if (st < Cmd::ReadNamesLast) {
             s.CmdState = st + 1;
         } else {
             s.CmdIndexEnd = 0;
-            s.CmdState = 1;
+            s.CmdState = Cmd::Poll;
             if (s.RefreshAfterWrite) {
                 s.startActiveRefresh();
                 s.RefreshAfterWrite = false;
@@ -179,58 +178,59 @@ void CommLink::dispatchModbus()
         }
         return;
     }
-    if (st >= 5199 && st <= 5210) {
-        if (st == 5199) {
+    if (st >= Cmd::RecvTextInputs && st <= Cmd::RecvNamesLast) {
+        if (st == Cmd::RecvTextInputs) {
             storeText(1, 8, 30, false);
             s.CmdIndex += 8;
-        } else if (st == 5200) {
+        } else if (st == Cmd::RecvTextInfo) {
             storeText(9, 3, 30, false);
             s.CmdIndex += 3;
         } else {
-            storeText(12 + 10 * (st - 5201), 10, 24, true);
+            storeText(12 + 10 * (st - Cmd::RecvNames), 10, 24, true);
             s.CmdIndex += 10;
         }
-        emit bulkProgress(s.BulkFormName, QString::number(std::min(s.CmdIndex - 1, s.PatternCount() + 11)) + u'/' + pc11);
-        if (st < 5210) {
+        textProgress(std::min(s.CmdIndex - 1, s.PatternCount() + 11));
+        if (st < Cmd::RecvNamesLast) {
             s.CmdState = st + 1;
         } else {
+            textsDone();
             s.PatternNo = 1;
-            s.CmdState = 53;
+            s.CmdState = Cmd::RecvPattern;
         }
         return;
     }
-    if (st >= 1511 && st <= 1514) {
-        emit bulkProgress(s.BulkFormName, QStringLiteral("%1/512").arg((st - 1510) * 120));
+    if (st >= Cmd::SendUpPieces && st < Cmd::SendUpLastPiece) {
+        reportBulk(BulkTable::Parameters, (st - Cmd::SendUpPieces + 1) * 120, 512);
         s.CmdState = st + 1;
         return;
     }
     switch (st) {
-    case 1:
+    case Cmd::Poll:
         Disp_RRP(slot, f, 3, 1, ControllerImage::RrpRows);
-        s.CmdState = 2;
+        s.CmdState = Cmd::PollValues;
         break;
-    case 2:
+    case Cmd::PollValues:
         statusStored(slot, decodeRcvModbus(QByteArrayView(f).sliced(std::min<qsizetype>(3, f.size()))));
         break;
-    case 7:
+    case Cmd::ReadUpLastPiece:
         Disp_RUP(f, 3, 481, 32);
-        s.CmdState = 77;
+        s.CmdState = Cmd::ReadUpPlus;
         break;
-    case 77:
+    case Cmd::ReadUpPlus:
         Disp_RUP_PLUS(f, 3);
         refreshIfFlagged();
         moveToNextOnlineSlot();
-        s.CmdState = 1;
+        s.CmdState = Cmd::Poll;
         break;
-    case 8:
+    case Cmd::ReadTextInputs:
         storeText(1, 8, 30, false);
-        s.CmdState = 9;
+        s.CmdState = Cmd::ReadTextInfo;
         break;
-    case 9:
+    case Cmd::ReadTextInfo:
         storeText(9, 3, 30, false);
-        s.CmdState = 9001;
+        s.CmdState = Cmd::ReadNames;
         break;
-    case 10: {
+    case Cmd::Who: {
         QString firmware;
         guarded("MSComm1_OnComm", [&] {
             firmware = QString::number(byteAt(f, 5)) + u'.' + QStringLiteral("%1").arg(byteAt(f, 6), 2, 10, QChar(u'0'));
@@ -238,58 +238,66 @@ void CommLink::dispatchModbus()
         scanAnswered(slot, firmware, true);
         break;
     }
-    case 5105:
+    case Cmd::RecvUpLastPiece:
         Disp_RUP(f, 3, 481, 32);
-        parameterBlockDone(QStringLiteral("接收完了"), 5199);
+        parameterBlockDone(Cmd::RecvTextInputs);
         break;
-    case 1515:
-        parameterBlockDone(QStringLiteral("傳送完了"), 152);
+    case Cmd::SendUpLastPiece:
+        parameterBlockDone(Cmd::SendText);
         break;
-    case 53: case 61:
+    case Cmd::RecvPattern: case Cmd::ReadPattern:
         Disp_RPD(s.PatternNo, f, 3, 1, ControllerImage::PatternWords, "Disp_RPD_Reg");
         programChainStep();
         break;
-    case 93:
+    case Cmd::ReadSegmentCount:
         Disp_RPD(s.PatternNo, f, 3, 1, 1, "Disp_RPD_Reg");
         programChainStep();
         break;
-    case 91:
+    case Cmd::ReadPatternWord:
         Disp_RPD(s.PatternNo, f, 3, s.CmdIndex, 1, "Disp_RPD_Reg");
         programChainStep();
         break;
-    case 54: case 62: case 92: case 94:
+    case Cmd::RecvSegment: case Cmd::ReadPatternSegment: case Cmd::ReadSegmentWord: case Cmd::ReadLastSegment:
         Disp_RSD(s.PatternNo, s.SegmentNo, f, 5, 1, ControllerImage::SegmentWords, "Disp_RSD_Reg");
         programChainStep();
         break;
-    case 102: case 400: case 401:
+    case Cmd::WriteUpRow: case Cmd::WriteCurve: case Cmd::WriteCurveBlock:
         s.RefreshAfterWrite = true;
         m_writeWaitAfterDispatch = WriteSettleMs;
-        s.CmdState = 1;
+        s.CmdState = Cmd::Poll;
         break;
-    case 103:
+    case Cmd::WriteTextRow:
         s.RefreshAfterWrite = true;
-        s.CmdState = 8;
+        s.CmdState = Cmd::ReadTextInputs;
         break;
-    case 311:
+    case Cmd::MachineRunMethod:
         s.RefreshAfterWrite = true;
-        s.CmdState = 3;
+        s.CmdState = Cmd::ReadUp;
         break;
-    case 101: case 104: case 150:
-    case 312: case 313: case 314: case 315: case 316:
-    case 321: case 322: case 323: case 324: case 325: case 326: case 327: case 328:
+    case Cmd::WriteClockRows:
+        // One block: the clock page hears of its end as in PC Link.
+        emit clockRowsWritten(s.CmdIndexEnd);
         s.RefreshAfterWrite = true;
-        s.CmdState = 1;
+        s.CmdState = Cmd::Poll;
         break;
-    case 201:
+    case Cmd::WriteRunWord: case Cmd::WriteUpRows:
+    case Cmd::MachineRun: case Cmd::MachineStep: case Cmd::MachineHold: case Cmd::MachineTempAT: case Cmd::MachineHumiAT:
+    case Cmd::MachineStartPattern: case Cmd::MachineStartSegment: case Cmd::MachineTempPid:
+    case Cmd::MachineHumiPid: case Cmd::MachineTempSV: case Cmd::MachineRow10: case Cmd::MachineHumiSV:
+    case Cmd::MachineRow11:
         s.RefreshAfterWrite = true;
-        s.CmdState = 91;
+        s.CmdState = Cmd::Poll;
         break;
-    case 202:
+    case Cmd::WritePatternWord:
+        s.RefreshAfterWrite = true;
+        s.CmdState = Cmd::ReadPatternWord;
+        break;
+    case Cmd::WriteSegmentWords:
         s.CmdIndex = s.CmdIndexEnd;
         s.RefreshAfterWrite = true;
-        s.CmdState = 92;
+        s.CmdState = Cmd::ReadSegmentWord;
         break;
-    case 152: case 153: case 154: case 203: case 204: case 205: case 211: case 212:
+    case Cmd::SendText: case Cmd::SendPattern: case Cmd::SendSegment: case Cmd::WriteSegmentCount: case Cmd::RewriteSegments: case Cmd::WritePattern: case Cmd::WriteProgram: case Cmd::WriteProgramSegment:
         programChainStep();
         break;
     default:

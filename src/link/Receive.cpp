@@ -122,7 +122,7 @@ void CommLink::receivePcLink(const QByteArray &bytes)
         m_frame = m_buf.bytes();
         m_writeWaitAfterDispatch = 0;
         dispatchPcLink();
-        if (s.CmdState != 10 && s.CmdState != 11)
+        if (s.CmdState != Cmd::Who && s.CmdState != Cmd::ReadScreen)
             afterGoodReply();
         else
             tmrRecvErr.start();

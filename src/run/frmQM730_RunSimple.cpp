@@ -1,5 +1,4 @@
 #include "frmQM730_RunSimple.h"
-#include "ConsoleCore.h"
 #include "ConsoleState.h"
 #include "Dictionary.h"
 #include "Encodings.h"
@@ -9,7 +8,11 @@
 #include "Recorder.h"
 #include "RunLogger.h"
 #include "RunPictures.h"
-#include "RunWidgets.h"
+#include "ButtonColour.h"
+#include "EntryField.h"
+#include "LampStrip.h"
+#include "ScreenContext.h"
+#include "ScreenLayout.h"
 #include "TrendChart.h"
 #include "frmQM730_Set_DSave.h"
 #include <QCheckBox>
@@ -34,85 +37,8 @@ namespace {
 const QString ScreenName = QStringLiteral("frmQM730_RunSimple");
 const QString GraphViewer = QStringLiteral("QM730_GView.exe");
 
-int g_openScreens = 0;
-
 // The A/S strip of the legacy lamp panel: pattern and system alarms side by side.
 constexpr BitField AlarmStrip{Rcv::AlarmBits, 0, 8, "A/S"};
-
-// Lowest and highest text of a field when the focus leaves it.
-struct Clamp {
-    QString low;
-    QString high;
-};
-
-template <typename W>
-W *named(W *w, const QString &name)
-{
-    w->setObjectName(name);
-    return w;
-}
-
-QLabel *caption(const QString &text, QWidget *parent = nullptr)
-{
-    auto *l = new QLabel(text, parent);
-    l->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    return l;
-}
-
-// A sunken box showing a value.
-QLabel *valueBox(const QString &name, int minWidth = 80)
-{
-    auto *l = named(new QLabel, name);
-    l->setFrameShape(QFrame::Panel);
-    l->setFrameShadow(QFrame::Sunken);
-    l->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    l->setMinimumWidth(minWidth);
-    l->setAutoFillBackground(true);
-    QPalette p = l->palette();
-    p.setColor(QPalette::Window, Qt::black);
-    p.setColor(QPalette::WindowText, QColor(0, 230, 0));
-    l->setPalette(p);
-    return l;
-}
-
-// The large present value of a chamber.
-QLabel *bigValue(const QString &name, const QColor &colour)
-{
-    QLabel *l = valueBox(name, 150);
-    QFont f = l->font();
-    f.setPixelSize(34);
-    f.setBold(true);
-    l->setFont(f);
-    QPalette p = l->palette();
-    p.setColor(QPalette::WindowText, colour);
-    l->setPalette(p);
-    return l;
-}
-
-// A row "caption  widget" as one widget, so that hiding it lets the rows below move up.
-QWidget *row(const QString &text, QWidget *value, int captionWidth = 70)
-{
-    auto *w = new QWidget;
-    auto *h = new QHBoxLayout(w);
-    h->setContentsMargins(0, 0, 0, 0);
-    QLabel *c = caption(text);
-    c->setMinimumWidth(captionWidth);
-    h->addWidget(c);
-    h->addWidget(value, 1);
-    return w;
-}
-
-void setTextIfChanged(QLabel *l, const QString &text)
-{
-    if (l->text() != text)
-        l->setText(text);
-}
-
-void setTextIfChanged(QLineEdit *e, const QString &text)
-{
-    if (e->text() != text)
-        e->setText(text);
-}
 
 QString twoDigits(qint64 n)
 {
@@ -123,8 +49,9 @@ QString twoDigits(qint64 n)
 
 // ---- Construction -----------------------------------------------------------
 
-frmQM730_RunSimple::frmQM730_RunSimple(ConsoleState &state, RunLogger &logger, QWidget *parent)
-    : QDialog(parent), m_state(state), m_logger(logger), m_clock([] { return QDateTime::currentDateTime(); })
+frmQM730_RunSimple::frmQM730_RunSimple(ScreenContext &context, QWidget *parent)
+    : QDialog(parent), m_ctx(context), m_state(context.state), m_logger(context.recorder.runLog()),
+      m_clock([] { return QDateTime::currentDateTime(); })
 {
     setObjectName(ScreenName);
     setWindowTitle(QStringLiteral("單機操作"));
@@ -132,19 +59,9 @@ frmQM730_RunSimple::frmQM730_RunSimple(ConsoleState &state, RunLogger &logger, Q
     load();
 }
 
-frmQM730_RunSimple::frmQM730_RunSimple(ConsoleCore &core, QWidget *parent)
-    : frmQM730_RunSimple(core.state(), core.recorder().runLog(), parent)
-{
-}
-
 frmQM730_RunSimple::~frmQM730_RunSimple()
 {
     unload();
-}
-
-bool frmQM730_RunSimple::isOpen()
-{
-    return g_openScreens > 0;
 }
 
 QStringList frmQM730_RunSimple::seriesNames()
@@ -248,12 +165,7 @@ void frmQM730_RunSimple::buildControls()
     main->addLayout(middle, 1);
     main->addLayout(bottom);
     resize(900, 640);
-    // Enter belongs to the entry fields: it must never also press a button
-    // of the dialog (a default button could start or stop the chamber).
-    for (QPushButton *b : findChildren<QPushButton *>()) {
-        b->setAutoDefault(false);
-        b->setDefault(false);
-    }
+    noDefaultButtons(this);
 
     tmrDisp.setObjectName(QStringLiteral("tmrDisp"));
     tmrDisp.setInterval(1000);
@@ -264,9 +176,7 @@ void frmQM730_RunSimple::buildControls()
     tmrPreDate.setObjectName(QStringLiteral("tmrPreDate"));
     tmrPreDate.setInterval(500);
     connect(&tmrPreDate, &QTimer::timeout, this, &frmQM730_RunSimple::tmrPreDate_Timer);
-    tmrRefresh.setObjectName(QStringLiteral("tmrRefresh"));
-    tmrRefresh.setInterval(50);
-    tmrRefresh.setSingleShot(true);
+    setUpRefreshTimer(tmrRefresh);
     connect(&tmrRefresh, &QTimer::timeout, this, &frmQM730_RunSimple::tmrRefresh_Timer);
     tmrRefresh_CFG.setObjectName(QStringLiteral("tmrRefresh_CFG"));
     tmrRefresh_CFG.setInterval(50);
@@ -318,13 +228,13 @@ QWidget *frmQM730_RunSimple::buildControlPage()
     picTOnly_Ctrl = named(new QGroupBox(QStringLiteral("TEMP.")), QStringLiteral("picTOnly_Ctrl"));
     auto *tv = new QVBoxLayout(picTOnly_Ctrl);
     lblTOnly_CtrlPV = bigValue(QStringLiteral("lblTOnly_CtrlPV"), QColor(255, 80, 60));
-    tv->addWidget(row(QStringLiteral("PV"), lblTOnly_CtrlPV));
+    tv->addWidget(captionRow(QStringLiteral("PV"), lblTOnly_CtrlPV));
     txtTOnly_Ctrl_SV = new EntryField(QStringLiteral("txtTOnly_Ctrl_SV"));
     txtTOnly_Ctrl_PTN = new EntryField(QStringLiteral("txtTOnly_Ctrl_PTN"));
     txtTOnly_Ctrl_SEG = new EntryField(QStringLiteral("txtTOnly_Ctrl_SEG"));
-    m_tonlySvRow = row(QStringLiteral("TEMP.SV"), txtTOnly_Ctrl_SV);
-    m_tonlyPtnRow = row(QStringLiteral("PTN"), txtTOnly_Ctrl_PTN);
-    m_tonlySegRow = row(QStringLiteral("SEG"), txtTOnly_Ctrl_SEG);
+    m_tonlySvRow = captionRow(QStringLiteral("TEMP.SV"), txtTOnly_Ctrl_SV);
+    m_tonlyPtnRow = captionRow(QStringLiteral("PTN"), txtTOnly_Ctrl_PTN);
+    m_tonlySegRow = captionRow(QStringLiteral("SEG"), txtTOnly_Ctrl_SEG);
     tv->addWidget(m_tonlySvRow);
     tv->addWidget(m_tonlyPtnRow);
     tv->addWidget(m_tonlySegRow);
@@ -340,11 +250,9 @@ QWidget *frmQM730_RunSimple::buildControlPage()
         QPushButton *b = named(new QPushButton(QString::fromUtf8(modes[i])), QStringLiteral("btnRunMode"));
         b->setProperty("Index", i);
         b->setMinimumWidth(80);
-        connect(b, &QPushButton::clicked, this, [this, i] {
-            // A write of the run method row of the UP block.
-            const int row = RowOf(Param::btnRun_Method, 0, m_state.FirmwareVersion());
-            m_state.request_word(102, WireAddress(row, m_state.Modbus(), true), i);
-        });
+        // A write of the run method row of the parameter block.
+        connect(b, &QPushButton::clicked, this,
+                [this, i] { m_ctx.requests().writeParameter(Param::btnRun_Method, quint16(i)); });
         mode->addWidget(b);
         btnRunMode[size_t(i)] = b;
     }
@@ -402,15 +310,24 @@ QWidget *frmQM730_RunSimple::buildControlPage()
     connect(btnTAT, &QPushButton::clicked, this, [this] { toggle(btnTAT, Rrp::TempAT); });
     connect(btnHAT, &QPushButton::clicked, this, [this] { toggle(btnHAT, Rrp::HumiAT); });
 
-    wireField(txtTSV, TSV, &frmQM730_RunSimple::commitTSV);
-    wireField(txtTOnly_Ctrl_SV, TSV, &frmQM730_RunSimple::commitTSV);
-    wireField(txtHSV, HSV, &frmQM730_RunSimple::commitHSV);
-    wireField(txtS_PTN, S_PTN, &frmQM730_RunSimple::commitPattern);
-    wireField(txtTOnly_Ctrl_PTN, S_PTN, &frmQM730_RunSimple::commitPattern);
-    wireField(txtS_SEG, S_SEG, &frmQM730_RunSimple::commitSegment);
-    wireField(txtTOnly_Ctrl_SEG, S_SEG, &frmQM730_RunSimple::commitSegment);
-    wireField(txtPID_T, PID_T, &frmQM730_RunSimple::commitPidT);
-    wireField(txtPID_H, PID_H, &frmQM730_RunSimple::commitPidH);
+    // The set-value fields: each commits one run word of the machine. The
+    // temperature-only fields share the edit flag of the field they stand for.
+    using Range = EntryBinding::Range;
+    const Range temperature{-100, 200, {}}, humidity{0, 100, {}}, pid{1, 16, {}}, segment{1, 100, {}};
+    bindRunField(TSV, txtTSV, Rrp::TempTargetSV, Encoding::T100, temperature);
+    bindRunField(TSV, txtTOnly_Ctrl_SV, Rrp::TempTargetSV, Encoding::T100, temperature);
+    bindRunField(HSV, txtHSV, Rrp::HumiTargetSV, Encoding::X10, humidity);
+    bindRunField(PID_T, txtPID_T, Rrp::TempPID, Encoding::INT, pid);
+    bindRunField(PID_H, txtPID_H, Rrp::HumiPID, Encoding::INT, pid);
+    bindRunField(S_SEG, txtS_SEG, Rrp::StartSegment, Encoding::INT, segment);
+    bindRunField(S_SEG, txtTOnly_Ctrl_SEG, Rrp::StartSegment, Encoding::INT, segment);
+    for (EntryField *f : {txtS_PTN, txtTOnly_Ctrl_PTN}) {
+        bindRunField(S_PTN, f, Rrp::StartPattern, Encoding::INT, {});
+        // The highest pattern number follows the firmware of the machine.
+        m_edits.back()->setRange([this]() -> std::optional<Range> {
+            return Range{1, double(m_state.PatternCount()), {}};
+        });
+    }
     return page;
 }
 
@@ -433,12 +350,12 @@ QWidget *frmQM730_RunSimple::buildStatusPage()
         sv = valueBox(QStringLiteral("lblSV_") + suffix);
         mv = valueBox(QStringLiteral("lblMV_") + suffix);
         pid = valueBox(QStringLiteral("lblPID_") + suffix);
-        b->addWidget(row(QStringLiteral("PV"), pv));
-        nsvRow = row(QStringLiteral("現在SV"), nsv);
+        b->addWidget(captionRow(QStringLiteral("PV"), pv));
+        nsvRow = captionRow(QStringLiteral("現在SV"), nsv);
         b->addWidget(nsvRow);
-        b->addWidget(row(QStringLiteral("目標SV"), sv));
-        b->addWidget(row(QStringLiteral("控制輸出"), mv));
-        b->addWidget(row(QStringLiteral("PID #"), pid));
+        b->addWidget(captionRow(QStringLiteral("目標SV"), sv));
+        b->addWidget(captionRow(QStringLiteral("控制輸出"), mv));
+        b->addWidget(captionRow(QStringLiteral("PID #"), pid));
         b->addStretch(1);
         return box;
     };
@@ -455,12 +372,12 @@ QWidget *frmQM730_RunSimple::buildStatusPage()
     lblTonly_Sts_TSV = valueBox(QStringLiteral("lblTonly_Sts_TSV"));
     lblTonly_Sts_MV = valueBox(QStringLiteral("lblTonly_Sts_MV"));
     lblTonly_Sts_PID = valueBox(QStringLiteral("lblTonly_Sts_PID"));
-    tb->addWidget(row(QStringLiteral("PV"), lblTonly_Sts_PV));
-    m_tonlyNsvRow = row(QStringLiteral("現在SV"), lblTonly_Sts_NSV);
+    tb->addWidget(captionRow(QStringLiteral("PV"), lblTonly_Sts_PV));
+    m_tonlyNsvRow = captionRow(QStringLiteral("現在SV"), lblTonly_Sts_NSV);
     tb->addWidget(m_tonlyNsvRow);
-    tb->addWidget(row(QStringLiteral("目標SV"), lblTonly_Sts_TSV));
-    tb->addWidget(row(QStringLiteral("控制輸出"), lblTonly_Sts_MV));
-    tb->addWidget(row(QStringLiteral("PID #"), lblTonly_Sts_PID));
+    tb->addWidget(captionRow(QStringLiteral("目標SV"), lblTonly_Sts_TSV));
+    tb->addWidget(captionRow(QStringLiteral("控制輸出"), lblTonly_Sts_MV));
+    tb->addWidget(captionRow(QStringLiteral("PID #"), lblTonly_Sts_PID));
     tb->addStretch(1);
     m_statusStack->addWidget(picTOnly_Sts);
     v->addWidget(m_statusStack);
@@ -569,8 +486,11 @@ QWidget *frmQM730_RunSimple::buildGraphPage()
     m_graph->setLegends(names);
     v->addWidget(m_graph, 1);
 
-    connect(txtGrpInterval, &EntryField::left, this, [this] { clampField(txtGrpInterval); });
-    connect(txtGrpInterval, &QLineEdit::returnPressed, this, &frmQM730_RunSimple::commitGraphInterval);
+    auto *interval = new EntryBinding(txtGrpInterval, this);
+    interval->setRange(EntryBinding::Range{1, 60, {}});
+    interval->onCommit([this](const QString &, const QString &text) {
+        tmrDispGraph.setInterval(leadingInt(text) * 1000);
+    });
     connect(chb3D, &QCheckBox::toggled, m_graph, &TrendChart::set3D);
     connect(chbScroll, &QCheckBox::stateChanged, this, [this] { m_graph->setScrollBarOn(!m_graph->isScrollBarOn()); });
     return picGraph;
@@ -608,9 +528,9 @@ QWidget *frmQM730_RunSimple::buildSaveSettings()
 
 void frmQM730_RunSimple::load()
 {
-    ++g_openScreens;
+    m_state.SingleConsoleOpen = true;
     m_loaded = true;
-    m_state.setActiveRefreshTimer(&tmrRefresh);
+    m_refresh = std::make_unique<RefreshRegistration>(m_state, &tmrRefresh, RefreshRegistration::Screen);
     m_slot = m_state.slotOfMachine(m_state.CurrentMachine);
     fillSaveSettings();
     selectView(0);
@@ -636,11 +556,10 @@ void frmQM730_RunSimple::unload()
     if (!m_loaded)
         return;
     m_loaded = false;
-    --g_openScreens;
+    m_state.SingleConsoleOpen = false;
     for (QTimer *t : {&tmrDisp, &tmrDispGraph, &tmrPreDate, &tmrRefresh, &tmrRefresh_CFG})
         t->stop();
-    if (m_state.ActiveRefreshTimer == &tmrRefresh)
-        m_state.setActiveRefreshTimer(nullptr);
+    m_refresh.reset();
 }
 
 void frmQM730_RunSimple::done(int result)
@@ -821,29 +740,29 @@ void frmQM730_RunSimple::drawTempOnlyView()
 void frmQM730_RunSimple::drawSetpoints()
 {
     const int decimals = m_state.TempDecimals();
-    if (!m_editFlags[TSV]) {
+    if (!editFlag(TSV)) {
         if (const auto w = m_running ? rcv(Rcv::TempSV) : rrp(Rrp::TempTargetSV)) {
             const QString text = tempSvText(*w, decimals);
             setTextIfChanged(txtTSV, text);
             setTextIfChanged(txtTOnly_Ctrl_SV, text);
         }
     }
-    if (!m_editFlags[HSV]) {
+    if (!editFlag(HSV)) {
         if (const auto w = m_running ? rcv(Rcv::HumiSV) : rrp(Rrp::HumiTargetSV))
             setTextIfChanged(txtHSV, humiSvText(*w));
     }
-    if (!m_editFlags[PID_T])
+    if (!editFlag(PID_T))
         if (const auto w = rrp(Rrp::TempPID))
             setTextIfChanged(txtPID_T, QString::number(*w));
-    if (!m_editFlags[PID_H])
+    if (!editFlag(PID_H))
         if (const auto w = rrp(Rrp::HumiPID))
             setTextIfChanged(txtPID_H, QString::number(*w));
-    if (!m_editFlags[S_PTN])
+    if (!editFlag(S_PTN))
         if (const auto w = rrp(Rrp::StartPattern)) {
             setTextIfChanged(txtS_PTN, QString::number(*w));
             setTextIfChanged(txtTOnly_Ctrl_PTN, QString::number(*w));
         }
-    if (!m_editFlags[S_SEG])
+    if (!editFlag(S_SEG))
         if (const auto w = rrp(Rrp::StartSegment)) {
             setTextIfChanged(txtS_SEG, QString::number(*w));
             setTextIfChanged(txtTOnly_Ctrl_SEG, QString::number(*w));
@@ -1095,7 +1014,7 @@ void frmQM730_RunSimple::drawPatternName()
         return;
     setTextIfChanged(lblPTN_Name, patternName(m_state.image, pattern));
     if (pattern != m_lastPatternAsked) {
-        m_state.request_command(m_state.Modbus() ? 9001 : 4, pattern);
+        m_ctx.requests().readPatternName(pattern);
         m_lastPatternAsked = pattern;
     }
 }
@@ -1160,49 +1079,29 @@ void frmQM730_RunSimple::addGraphPoint()
 
 // ---- Edits and commands ------------------------------------------------------------
 
-void frmQM730_RunSimple::wireField(EntryField *field, EditField flag,
-                                   void (frmQM730_RunSimple::*commit)(EntryField *))
+void frmQM730_RunSimple::bindRunField(EditField flag, EntryField *field, int row, Encoding encoding,
+                                      const EntryBinding::Range &range)
 {
-    connect(field, &QLineEdit::textEdited, this, [this, flag] { m_editFlags[flag] = true; });
-    connect(field, &EntryField::left, this, [this, field] { clampField(field); });
-    connect(field, &QLineEdit::returnPressed, this, [this, field, flag, commit] {
-        // Enter applies the same clamp as leaving, so no value outside the
-        // field's range reaches the controller.
-        clampField(field);
-        m_editFlags[flag] = false;
-        (this->*commit)(field);
+    auto *binding = new EntryBinding(field, this);
+    binding->setRange(range);
+    if (EntryBinding *first = m_flagOwner[flag])
+        binding->shareFlagWith(*first);
+    else
+        m_flagOwner[flag] = binding;
+    binding->onCommit([this, row, encoding](const QString &, const QString &text) {
+        m_ctx.requests().writeRunWord(row, wordFromText(encoding, text));
     });
+    m_edits.push_back(binding);
 }
 
-void frmQM730_RunSimple::clampField(EntryField *field)
+bool frmQM730_RunSimple::editFlag(EditField f) const
 {
-    Clamp c;
-    if (field == txtTSV || field == txtTOnly_Ctrl_SV)
-        c = {QStringLiteral("-100"), QStringLiteral("200")};
-    else if (field == txtHSV)
-        c = {QStringLiteral("0"), QStringLiteral("100")};
-    else if (field == txtPID_T || field == txtPID_H)
-        c = {QStringLiteral("1"), QStringLiteral("16")};
-    else if (field == txtS_PTN || field == txtTOnly_Ctrl_PTN)
-        c = {QStringLiteral("1"), QString::number(m_state.PatternCount())};
-    else if (field == txtS_SEG || field == txtTOnly_Ctrl_SEG)
-        c = {QStringLiteral("1"), QStringLiteral("100")};
-    else if (field == txtGrpInterval)
-        c = {QStringLiteral("1"), QStringLiteral("60")};
-    else
-        return;
-    const double value = leadingNumber(field->text());
-    if (value < c.low.toDouble())
-        field->setText(c.low);
-    else if (value > c.high.toDouble())
-        field->setText(c.high);
+    return m_flagOwner[f] && m_flagOwner[f]->editing();
 }
 
 void frmQM730_RunSimple::postRunWord(int row, int word)
 {
-    // A row of sprdRRP: its number in PC Link, register 40000 + row under Modbus RTU.
-    const int address = m_state.Modbus() ? 40000 + row : row;
-    m_state.request_word(101, address, word);
+    m_ctx.requests().writeRunWord(row, quint16(word));
 }
 
 void frmQM730_RunSimple::toggle(QPushButton *button, int row)
@@ -1210,42 +1109,6 @@ void frmQM730_RunSimple::toggle(QPushButton *button, int row)
     // The lit state decides, not the table: pressed twice within a second,
     // the button sends the same word twice.
     postRunWord(row, LitButton::isLit(button) ? 0 : 1);
-}
-
-void frmQM730_RunSimple::commitTSV(EntryField *field)
-{
-    postRunWord(Rrp::TempTargetSV, wordFromText(Encoding::T100, field->text()));
-}
-
-void frmQM730_RunSimple::commitHSV(EntryField *field)
-{
-    postRunWord(Rrp::HumiTargetSV, wordFromText(Encoding::X10, field->text()));
-}
-
-void frmQM730_RunSimple::commitPattern(EntryField *field)
-{
-    postRunWord(Rrp::StartPattern, wordFromText(Encoding::INT, field->text()));
-}
-
-void frmQM730_RunSimple::commitSegment(EntryField *field)
-{
-    postRunWord(Rrp::StartSegment, wordFromText(Encoding::INT, field->text()));
-}
-
-void frmQM730_RunSimple::commitPidT(EntryField *field)
-{
-    postRunWord(Rrp::TempPID, wordFromText(Encoding::INT, field->text()));
-}
-
-void frmQM730_RunSimple::commitPidH(EntryField *field)
-{
-    postRunWord(Rrp::HumiPID, wordFromText(Encoding::INT, field->text()));
-}
-
-void frmQM730_RunSimple::commitGraphInterval()
-{
-    clampField(txtGrpInterval);
-    tmrDispGraph.setInterval(leadingInt(txtGrpInterval->text()) * 1000);
 }
 
 void frmQM730_RunSimple::selectView(int index)
@@ -1258,7 +1121,7 @@ void frmQM730_RunSimple::selectView(int index)
 
 void frmQM730_RunSimple::openSaveSettings()
 {
-    auto *dlg = new frmQM730_Set_DSave(m_logger, this);
+    auto *dlg = new frmQM730_Set_DSave(m_ctx, this);
     dlg->setAttribute(Qt::WA_DeleteOnClose);
     dlg->setCallWin(ScreenName);
     connect(dlg, &frmQM730_Set_DSave::saved, this, [this](const QString &callWin) {

@@ -7,9 +7,14 @@
 #include <functional>
 #include <optional>
 
-class ConsoleCore;
+#include "Encodings.h"
+#include "EntryField.h"
+#include "ScreenRefresh.h"
+#include <memory>
+#include <vector>
+
 class ConsoleState;
-class EntryField;
+struct ScreenContext;
 class LampStrip;
 class QCheckBox;
 class QLabel;
@@ -38,16 +43,12 @@ class frmQM730_Set_DSave;
 class frmQM730_RunSimple : public QDialog {
     Q_OBJECT
 public:
-    frmQM730_RunSimple(ConsoleState &state, RunLogger &logger, QWidget *parent = nullptr);
-    frmQM730_RunSimple(ConsoleCore &core, QWidget *parent = nullptr);
+    explicit frmQM730_RunSimple(ScreenContext &context, QWidget *parent = nullptr);
     ~frmQM730_RunSimple() override;
-
-    // True while a single-chamber console is open (raised on load, lowered on unload).
-    static bool isOpen();
 
     // The fields whose edits keep the refresh away, in the order of EditFlags.
     enum EditField { TSV, HSV, S_PTN, S_SEG, PID_T, PID_H, EditFieldCount };
-    bool editFlag(EditField f) const { return m_editFlags[f]; }
+    bool editFlag(EditField f) const;
 
     // Screen state.
     int SlotIndex() const { return m_slot; }
@@ -114,22 +115,15 @@ private:
     void fillSaveSettings();
 
     // Edits and commands.
-    void wireField(EntryField *field, EditField flag, void (frmQM730_RunSimple::*commit)(EntryField *));
-    void clampField(EntryField *field);
+    void bindRunField(EditField flag, EntryField *field, int row, Encoding encoding, const EntryBinding::Range &range);
     void postRunWord(int row, int word);
     void toggle(QPushButton *button, int row);
-    void commitTSV(EntryField *field);
-    void commitHSV(EntryField *field);
-    void commitPattern(EntryField *field);
-    void commitSegment(EntryField *field);
-    void commitPidT(EntryField *field);
-    void commitPidH(EntryField *field);
-    void commitGraphInterval();
     void selectView(int index);
     void openSaveSettings();
     void openGraphViewer();
     void showNotice(const QString &text);
 
+    ScreenContext &m_ctx;
     ConsoleState &m_state;
     RunLogger &m_logger;
     std::function<QDateTime()> m_clock;
@@ -140,7 +134,9 @@ private:
     bool m_running = false;
     bool m_fixedMode = false;
     bool m_tempOnly = false;
-    std::array<bool, EditFieldCount> m_editFlags{};
+    std::array<EntryBinding *, EditFieldCount> m_flagOwner{}; // the first field of each flag
+    std::vector<EntryBinding *> m_edits;
+    std::unique_ptr<RefreshRegistration> m_refresh;
     int m_statusPage = 0;
     int m_lastPatternAsked = 0;
     int m_graphPoints = 0;

@@ -2,6 +2,7 @@
 #include "ConsoleMessages.h"
 #include "CommPort.h"
 #include "ConsoleState.h"
+#include "ScreenContext.h"
 #include "Files.h"
 #include "StartupFiles.h"
 #include <QComboBox>
@@ -40,7 +41,8 @@ int portNumber(const QString &portText)
 
 } // namespace
 
-frmQM730_Set_Port::frmQM730_Set_Port(ConsoleState &state, QWidget *parent) : QDialog(parent), m_st(state)
+frmQM730_Set_Port::frmQM730_Set_Port(ScreenContext &context, QWidget *parent)
+    : QDialog(parent), m_st(context.state)
 {
     setObjectName(QStringLiteral("frmQM730_Set_Port"));
     setWindowTitle(QStringLiteral("通訊端口設定"));

@@ -3,6 +3,7 @@
 #include "QtCommPort.h"
 
 class ConsoleState;
+struct ScreenContext;
 class QComboBox;
 class QLabel;
 class QPushButton;
@@ -18,7 +19,7 @@ class QPushButton;
 class frmQM730_Set_Port : public QDialog {
     Q_OBJECT
 public:
-    explicit frmQM730_Set_Port(ConsoleState &state, QWidget *parent = nullptr);
+    explicit frmQM730_Set_Port(ScreenContext &context, QWidget *parent = nullptr);
 
 private:
     void testPort(const QString &portText);

@@ -1,13 +1,15 @@
 #include "frmQM730_SysPass_Chk.h"
 #include "ConsoleMessages.h"
 #include "ConsoleState.h"
+#include "ScreenContext.h"
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 
-frmQM730_SysPass_Chk::frmQM730_SysPass_Chk(ConsoleState &state, QWidget *parent) : QDialog(parent), m_st(state)
+frmQM730_SysPass_Chk::frmQM730_SysPass_Chk(ScreenContext &context, QWidget *parent)
+    : QDialog(parent), m_st(context.state)
 {
     setObjectName(QStringLiteral("frmQM730_SysPass_Chk"));
     setWindowTitle(QStringLiteral("密碼確認"));
@@ -42,9 +44,9 @@ void frmQM730_SysPass_Chk::btnOK_Click()
     txtSysPass->setFocus();
 }
 
-bool frmQM730_SysPass_Chk::check(ConsoleState &state, QWidget *parent)
+bool frmQM730_SysPass_Chk::check(ScreenContext &context, QWidget *parent)
 {
-    frmQM730_SysPass_Chk page(state, parent);
+    frmQM730_SysPass_Chk page(context, parent);
     page.exec();
     return page.passed();
 }

@@ -2,6 +2,7 @@
 #include <QDialog>
 
 class ConsoleState;
+struct ScreenContext;
 class QLineEdit;
 class QPushButton;
 
@@ -12,13 +13,13 @@ class QPushButton;
 class frmQM730_SysPass_Chk : public QDialog {
     Q_OBJECT
 public:
-    explicit frmQM730_SysPass_Chk(ConsoleState &state, QWidget *parent = nullptr);
+    explicit frmQM730_SysPass_Chk(ScreenContext &context, QWidget *parent = nullptr);
 
     // The password-passed flag.
     bool passed() const { return m_passed; }
 
     // Opens the page modally; true when the password was given.
-    static bool check(ConsoleState &state, QWidget *parent);
+    static bool check(ScreenContext &context, QWidget *parent);
 
 private:
     void btnOK_Click();

@@ -1,6 +1,7 @@
 #include "ConsoleMessages.h"
 #include "frmQM730_SysPass_Reg.h"
 #include "ConsoleState.h"
+#include "ScreenContext.h"
 #include "StartupFiles.h"
 #include "frmQM730_SysPass_Chk.h"
 #include <QFormLayout>
@@ -10,7 +11,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-frmQM730_SysPass_Reg::frmQM730_SysPass_Reg(ConsoleState &state, QWidget *parent) : QDialog(parent), m_st(state)
+frmQM730_SysPass_Reg::frmQM730_SysPass_Reg(ScreenContext &context, QWidget *parent)
+    : QDialog(parent), m_ctx(context), m_st(context.state)
 {
     setObjectName(QStringLiteral("frmQM730_SysPass_Reg"));
     setWindowTitle(QStringLiteral("密碼變更"));
@@ -45,7 +47,7 @@ void frmQM730_SysPass_Reg::setVisible(bool visible)
     // The check runs as the page loads, before it first shows.
     if (visible && !m_loaded) {
         m_loaded = true;
-        if (!frmQM730_SysPass_Chk::check(m_st, parentWidget()))
+        if (!frmQM730_SysPass_Chk::check(m_ctx, parentWidget()))
             tmrUnload.start();
     }
     QDialog::setVisible(visible);

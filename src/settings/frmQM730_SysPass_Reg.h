@@ -3,6 +3,7 @@
 #include <QTimer>
 
 class ConsoleState;
+struct ScreenContext;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -14,13 +15,14 @@ class QPushButton;
 class frmQM730_SysPass_Reg : public QDialog {
     Q_OBJECT
 public:
-    explicit frmQM730_SysPass_Reg(ConsoleState &state, QWidget *parent = nullptr);
+    explicit frmQM730_SysPass_Reg(ScreenContext &context, QWidget *parent = nullptr);
 
     void setVisible(bool visible) override;
 
 private:
     void btnOK_Click();
 
+    ScreenContext &m_ctx;
     ConsoleState &m_st;
     bool m_loaded = false;
     QTimer tmrUnload;

@@ -18,14 +18,15 @@ struct MainFixture {
     std::unique_ptr<ConsoleCore> core;
     std::unique_ptr<frmQM730_Main> window;
 
-    explicit MainFixture(const std::function<void(TestHome &)> &prepare = {})
+    explicit MainFixture(const std::function<void(TestHome &)> &prepare = {},
+                         ScreenRegistry screens = ScreenRegistry::console())
     {
         if (prepare)
             prepare(home);
         core = std::make_unique<ConsoleCore>(home.path());
         if (core->start() != ConsoleCore::StartResult::Ok)
             qFatal("console did not start");
-        window = std::make_unique<frmQM730_Main>(*core);
+        window = std::make_unique<frmQM730_Main>(*core, std::move(screens));
         window->show();
         if (!QTest::qWaitForWindowExposed(window.get()))
             qFatal("main screen not shown");

@@ -275,13 +275,17 @@ private slots:
 
     void screenOpeners()
     {
-        MainFixture f;
+        ScreenRegistry screens = ScreenRegistry::console();
         QStringList opened;
+        QList<QWidget *> parents;
         for (const QString screen : {"frmQM730_RunSimple", "frmQM730_RunMulti", "frmQM730Func_Run", "frmQM730_Set_Multi"})
-            f.window->setScreenOpener(screen, [&, screen](QWidget *parent) {
-                QCOMPARE(parent, f.window.get());
+            screens.setMaker(screen, [&, screen](ScreenContext &, QWidget *parent) {
+                parents << parent;
                 opened << screen;
+                return std::unique_ptr<QDialog>();
             });
+        screens.setMaker("frmQM730Prg_PTN", {});
+        MainFixture f({}, std::move(screens));
         f.state().SystemLocked = true; // a lock-guarded item does nothing
         f.item("mSetChannel")->trigger();
         f.state().SystemLocked = false;
@@ -303,6 +307,7 @@ private slots:
         f.item("mPrgPTN")->trigger(); // no opener yet: no effect
         QCOMPARE(opened, QStringList({"frmQM730_Set_Multi", "frmQM730_RunSimple", "frmQM730_RunMulti",
                                       "frmQM730Func_Run", "frmQM730_RunSimple"}));
+        QCOMPARE(parents, QList<QWidget *>(opened.size(), f.window.get()));
     }
 
     void helpFilesAndAbout()

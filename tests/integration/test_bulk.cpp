@@ -49,26 +49,30 @@ private slots:
     void parameterBlockReceivedAndSent()
     {
         QFETCH(QString, protocol);
-        const bool modbus = protocol == QLatin1String("Modbus RTU");
         ConsoleState &s = bringUp(protocol);
         QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
-        QSignalSpy status(&m_core->link(), &CommLink::bulkStatus);
+        QSignalSpy progress(&m_core->link(), &CommLink::bulkProgress);
         QSignalSpy finished(&m_core->link(), &CommLink::bulkFinished);
+        auto last = [&progress] { return progress.last().at(0).value<BulkProgress>(); };
 
-        s.BulkFormName = QStringLiteral("frmQM730_P_Recv");
-        s.BulkWithPrograms = false;
         s.image.sprdUP.clearCells();
-        s.request_command(modbus ? 5101 : 51);
+        s.requests().startParameterReceive(false);
+        QCOMPARE(s.BulkFormName, QStringLiteral("frmQM730_P_Recv"));
         QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, 8000);
-        QCOMPARE(status.last().at(1).toString(), QStringLiteral("接收完了"));
+        QCOMPARE(finished.last().at(0).value<BulkJob>(), BulkJob::ParameterReceive);
+        // The parameter block is through ("接收完了" on the screen).
+        QCOMPARE(last().job, BulkJob::ParameterReceive);
+        QCOMPARE(last().table, BulkTable::Parameters);
+        QVERIFY(last().finished);
         QCOMPARE(s.image.sprdUP.text(1, 506), m_sim->command(QStringLiteral("get 1 up 506")));
         QCOMPARE(s.image.sprdUP.text(1, 300), m_sim->command(QStringLiteral("get 1 up 300")));
 
-        s.BulkFormName = QStringLiteral("frmQM730_P_Send");
         s.image.sprdUP.setNumber(1, 25, 9);
-        s.request_command(modbus ? 1511 : 151);
+        s.requests().startParameterSend(false);
         QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 2, 8000);
-        QCOMPARE(status.last().at(1).toString(), QStringLiteral("傳送完了"));
+        QCOMPARE(finished.last().at(0).value<BulkJob>(), BulkJob::ParameterSend);
+        QCOMPARE(last().job, BulkJob::ParameterSend); // "傳送完了"
+        QVERIFY(last().finished);
         QCOMPARE(m_sim->command(QStringLiteral("get 1 up 25")), QStringLiteral("9"));
         QTRY_VERIFY(s.CmdState == 1 || s.CmdState == 2);
     }
@@ -87,8 +91,7 @@ private slots:
             s.image.PatternLoaded[p] = s.image.PatternNameLoaded[p] = false;
         QSignalSpy progress(&m_core->link(), &CommLink::bulkProgress);
         QSignalSpy finished(&m_core->link(), &CommLink::bulkFinished);
-        s.BulkFormName = QStringLiteral("frmQM730_PTN_Recv");
-        s.request_command(modbus ? 5199 : 52, 12);
+        s.requests().startNameFetch(12);
         QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, 15000);
 
         QVERIFY(s.image.PatternLoaded[0] && s.image.PatternLoaded[1] && s.image.PatternNameLoaded[0]);
@@ -101,8 +104,13 @@ private slots:
         QCOMPARE(s.image.sprdPD.text(8, 2), m_sim->command(QStringLiteral("get 1 pd 2 8")));
         // Pattern 3 was flagged as loaded, so it was not asked for.
         QVERIFY(s.image.sprdPD.isEmpty(1, 3));
-        if (!modbus)
-            QCOMPARE(progress.first().at(1).toString(), QStringLiteral("程式組名稱 接收中... [1/100]"));
+        if (!modbus) {
+            // The first name of the fetch: "程式組名稱 接收中... [1/100]".
+            const auto first = progress.first().at(0).value<BulkProgress>();
+            QCOMPARE(first.job, BulkJob::ProgramFetch);
+            QCOMPARE(first.table, BulkTable::Texts);
+            QCOMPARE(QList<int>({first.done, first.total}), QList<int>({1, 100}));
+        }
         QVERIFY(QFile::exists(programCachePath(m_home.path(), 1, u"SD")));
     }
 };

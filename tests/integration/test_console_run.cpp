@@ -31,7 +31,7 @@ private slots:
         // As the menu opens it: the parameter block is read first.
         s.request_command(3);
         s.RefreshOnOpen = true;
-        frmQM730_RunSimple screen(core);
+        frmQM730_RunSimple screen(core.context());
         screen.show();
         auto *pv = screen.findChild<QLabel *>(QStringLiteral("lblPV_T"));
         auto *smile = screen.findChild<QLabel *>(QStringLiteral("Image1"));

@@ -1,6 +1,7 @@
 // The console's core against the simulator over a pseudo-terminal, in each
 // of the three protocols: scan, poll, writes and the faults of a real line.
 #include "ConsoleCore.h"
+#include "LiveStatus.h"
 #include "SimProcess.h"
 #include "TestHome.h"
 #include <QtTest>
@@ -177,11 +178,11 @@ private slots:
         ConsoleState &s = m_core->state();
         QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
         // Target temperature 25.5: (25.5 + 100) * 100 = 12550 into run parameter 12.
-        s.request_word(101, isModbus(protocol) ? 40012 : 12, 12550);
+        s.requests().writeRunWord(Rrp::TempTargetSV, 12550);
         QTRY_COMPARE(m_sim->command(QStringLiteral("get 4 rrp 12")), QStringLiteral("12550"));
         QTRY_COMPARE(s.image.sprdRRP.text(1, 12), QStringLiteral("12550"));
         // A parameter row: the controller takes it, the image reads it back.
-        s.request_word(102, s.WireAddress(25), 7);
+        s.requests().writeParameter(Param::txtLPF1, 7);
         QTRY_COMPARE_WITH_TIMEOUT(m_sim->command(QStringLiteral("get 4 up 25")), QStringLiteral("7"), 5000);
     }
 

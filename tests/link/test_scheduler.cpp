@@ -2,6 +2,7 @@
 // writes and RTS. Faults and silent machines are driven through the simulator
 // in tests/integration.
 #include "LinkHarness.h"
+#include "LiveStatus.h"
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -62,8 +63,8 @@ private slots:
         LinkHarness h;
         FakeLine line;
         connectLine(h, line);
-        h.state->request_word(101, 2, 1);
-        h.state->request_word(101, 3, 1);
+        h.state->requests().writeRunWord(Rrp::Step, 1);
+        h.state->requests().writeRunWord(Rrp::Hold, 1);
         QTRY_VERIFY(commands(line).contains("WRP"));
         QCOMPARE(commands(line).count("WRP"), 1);
         QCOMPARE(line.seen[commands(line).indexOf("WRP")], QByteArray("\x02" "001WRP,0003,\x00\x01\x03\x0D\x0A", 18));
@@ -85,7 +86,7 @@ private slots:
             return line.answer(f);
         };
         t.start();
-        h.state->request_word(102, 24, 3);
+        h.state->requests().writeParameter(Param::btnSensorType1, 3);
         QTRY_VERIFY_WITH_TIMEOUT(nextAt >= 0, 5000);
         QVERIFY2(nextAt - ackAt >= CommLink::WriteSettleMs, qPrintable(QString::number(nextAt - ackAt)));
         QVERIFY(h.state->RefreshAfterWrite || h.state->CmdState != 102);
@@ -96,10 +97,10 @@ private slots:
         LinkHarness h;
         FakeLine line;
         connectLine(h, line);
-        h.state->request_command(103, 0); // a text row 0 sends nothing
+        h.state->requests().writeTextRow(0); // a text row 0 sends nothing
         QTest::qWait(300);
         const int seen = int(line.seen.size());
-        h.state->request_command(1);
+        h.state->requests().stop();
         QTRY_VERIFY(line.seen.size() > seen + 2);
     }
 

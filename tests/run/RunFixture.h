@@ -3,6 +3,7 @@
 #include "Dictionary.h"
 #include "LiveStatus.h"
 #include "RunLogger.h"
+#include "ScreenBench.h"
 #include "Widgets.h"
 #include "frmQM730_RunSimple.h"
 #include <QApplication>
@@ -20,8 +21,9 @@
 // tables it wants the load to see.
 struct RunBench {
     QTemporaryDir home;
-    ConsoleState state{home.path()};
-    RunLogger logger{state, [] { return true; }};
+    ScreenBench bench{home.path(), {}};
+    ConsoleState &state = bench.state;
+    RunLogger &logger = bench.recorder.runLog();
     std::unique_ptr<frmQM730_RunSimple> form;
 
     explicit RunBench(double firmware = 2.3)
@@ -65,7 +67,7 @@ struct RunBench {
 
     frmQM730_RunSimple &open()
     {
-        form = std::make_unique<frmQM730_RunSimple>(state, logger);
+        form = std::make_unique<frmQM730_RunSimple>(bench.ctx);
         return *form;
     }
     void tick() { form->tmrDisp_Timer(); }

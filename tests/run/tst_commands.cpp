@@ -255,9 +255,9 @@ private slots:
         QTimer mainRefresh;
         b.state.MainRefreshTimer = &mainRefresh;
         b.state.setActiveRefreshTimer(nullptr);
-        QVERIFY(!frmQM730_RunSimple::isOpen());
+        QVERIFY(!b.state.SingleConsoleOpen);
         frmQM730_RunSimple &form = b.open();
-        QVERIFY(frmQM730_RunSimple::isOpen());
+        QVERIFY(b.state.SingleConsoleOpen);
         QCOMPARE(form.windowTitle(), QStringLiteral("單機操作"));
         QCOMPARE(form.SlotIndex(), 0);
         auto *own = form.findChild<QTimer *>(QStringLiteral("tmrRefresh"));
@@ -267,7 +267,7 @@ private slots:
         form.tmrRefresh_Timer();
         QVERIFY(!own->isActive());
         form.reject();
-        QVERIFY(!frmQM730_RunSimple::isOpen());
+        QVERIFY(!b.state.SingleConsoleOpen);
         QCOMPARE(b.state.ActiveRefreshTimer.data(), &mainRefresh);
         QVERIFY(!form.findChild<QTimer *>(QStringLiteral("tmrDisp"))->isActive());
     }

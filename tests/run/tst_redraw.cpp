@@ -1,7 +1,8 @@
 // The once-a-second redraw of the single-chamber console from the tables.
 #include "RunFixture.h"
 #include "RunPictures.h"
-#include "RunWidgets.h"
+#include "ButtonColour.h"
+#include "LampStrip.h"
 #include "TrendChart.h"
 #include <QTabWidget>
 #include <QTimer>

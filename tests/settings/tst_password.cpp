@@ -1,4 +1,5 @@
 #include "ConsoleCore.h"
+#include "ScreenBench.h"
 #include "ModalDriver.h"
 #include "TestHome.h"
 #include "frmQM730_SysPass_Chk.h"
@@ -12,13 +13,14 @@ private slots:
     void check()
     {
         TestHome home;
-        ConsoleState s(home.path());
+        ScreenBench b(home.path());
+        ConsoleState &s = b.state;
         s.SystemPassword = QStringLiteral("QM730ABC");
         ModalDriver d;
         d.dialog("btnOK", "txtSysPass", QStringLiteral("qm730abc"));
-        QVERIFY(frmQM730_SysPass_Chk::check(s, nullptr));
+        QVERIFY(frmQM730_SysPass_Chk::check(b.ctx, nullptr));
         d.dialog("btnCancel", "txtSysPass", QStringLiteral("QM730ABC"));
-        QVERIFY(!frmQM730_SysPass_Chk::check(s, nullptr));
+        QVERIFY(!frmQM730_SysPass_Chk::check(b.ctx, nullptr));
         // Two wrong tries keep the page open with the field emptied.
         for (int i = 0; i < 2; ++i) {
             d.dialog("btnOK", "txtSysPass", QStringLiteral("wrong"));
@@ -29,14 +31,14 @@ private slots:
             w->findChild<QLineEdit *>(QStringLiteral("txtSysPass"))->setText(QStringLiteral("Qm730abc"));
             w->findChild<QPushButton *>(QStringLiteral("btnOK"))->click();
         });
-        QVERIFY(frmQM730_SysPass_Chk::check(s, nullptr));
+        QVERIFY(frmQM730_SysPass_Chk::check(b.ctx, nullptr));
         // The third closes the page, not passed.
         for (int i = 0; i < 3; ++i) {
             d.dialog("btnOK", "txtSysPass", QStringLiteral("QM730AB"));
             d.box();
         }
         d.met.clear();
-        QVERIFY(!frmQM730_SysPass_Chk::check(s, nullptr));
+        QVERIFY(!frmQM730_SysPass_Chk::check(b.ctx, nullptr));
         QCOMPARE(d.met.count(QStringLiteral("密碼錯誤!")), 3);
         QVERIFY(d.done() && d.unexpected.isEmpty());
     }
@@ -50,7 +52,7 @@ private slots:
             QCOMPARE(core.start(), ConsoleCore::StartResult::Ok);
             // Without the present password the page closes right after it opens.
             d.dialog("btnCancel");
-            QCOMPARE(frmQM730_SysPass_Reg(core.state(), nullptr).exec(), int(QDialog::Rejected));
+            QCOMPARE(frmQM730_SysPass_Reg(core.context(), nullptr).exec(), int(QDialog::Rejected));
             QVERIFY(!loadSystemPassword(home.path()));
 
             d.dialog("btnOK", "txtSysPass", QStringLiteral("NOLK8264"));
@@ -59,7 +61,7 @@ private slots:
                 w->findChild<QLineEdit *>(QStringLiteral("txtNewPass"))->setText(QStringLiteral("NewPass9"));
                 w->findChild<QPushButton *>(QStringLiteral("btnOK"))->click();
             });
-            QCOMPARE(frmQM730_SysPass_Reg(core.state(), nullptr).exec(), int(QDialog::Accepted));
+            QCOMPARE(frmQM730_SysPass_Reg(core.context(), nullptr).exec(), int(QDialog::Accepted));
             QCOMPARE(core.state().SystemPassword, QStringLiteral("NewPass9"));
             core.shutdown();
         }
@@ -70,10 +72,10 @@ private slots:
         // An empty password is stored, and then an empty field passes.
         d.dialog("btnOK", "txtSysPass", QStringLiteral("newpass9"));
         d.dialog("btnOK", "txtNewPass", QString());
-        frmQM730_SysPass_Reg(again.state(), nullptr).exec();
+        frmQM730_SysPass_Reg(again.context(), nullptr).exec();
         QCOMPARE(loadSystemPassword(home.path()), std::optional<QString>(QString()));
         d.dialog("btnOK", "txtSysPass", QString());
-        QVERIFY(frmQM730_SysPass_Chk::check(again.state(), nullptr));
+        QVERIFY(frmQM730_SysPass_Chk::check(again.context(), nullptr));
         again.shutdown();
         QVERIFY(d.done() && d.unexpected.isEmpty());
     }

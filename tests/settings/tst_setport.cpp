@@ -1,5 +1,6 @@
 #include "ConsoleCore.h"
 #include "FakeCommPort.h"
+#include "ScreenBench.h"
 #include "Pty.h"
 #include "TestHome.h"
 #include "frmQM730_Set_Port.h"
@@ -40,8 +41,9 @@ private slots:
         QSerialPort holder(held.path);
         QVERIFY(holder.open(QIODevice::ReadWrite));
 
-        ConsoleState s(home.path());
-        frmQM730_Set_Port page(s);
+        ScreenBench b(home.path());
+        ConsoleState &s = b.state;
+        frmQM730_Set_Port page(b.ctx);
         // The present port is tested at load; its device shows beside it.
         QCOMPARE(text(page, "lblMSG"), QStringLiteral("COM1 : 可使用的通訊端口"));
         QVERIFY(text(page, "lblDevice").contains(free.path));
@@ -64,7 +66,7 @@ private slots:
         ConsoleState &s = core.state();
         QCOMPARE(core.link().replyTimeoutMs(), 500);
 
-        frmQM730_Set_Port page(s);
+        frmQM730_Set_Port page(core.context());
         const QStringList chosen = {"COM4", "9600", "E", "7", "2", "PC Link + crc", "ON"};
         const char *boxes[] = {"cmbPort", "cmbBaud", "cmbParity", "cmbData", "cmbStop", "cmbProtocol", "cmbRTS"};
         for (int i = 0; i < 7; ++i)
@@ -91,17 +93,18 @@ private slots:
         TestHome home;
         // A baud the list does not offer is shown and written back.
         writeCommPortCfg(home.path(), {"COM2", "4800", "N", "8", "1", "Modbus RTU", "OFF"});
-        ConsoleState s(home.path());
+        ScreenBench b(home.path());
+        ConsoleState &s = b.state;
         readCommPortCfg(s);
         {
-            frmQM730_Set_Port page(s);
+            frmQM730_Set_Port page(b.ctx);
             choose(page, "cmbProtocol", "PC Link");
             click(page, "btnCancel");
         }
         QCOMPARE(s.CommProtocol, QStringLiteral("Modbus RTU"));
         QCOMPARE(fileLines(home.path()).value(5), QStringLiteral("Modbus RTU"));
 
-        frmQM730_Set_Port page(s);
+        frmQM730_Set_Port page(b.ctx);
         auto *ports = page.findChild<QComboBox *>(QStringLiteral("cmbPort"));
         ports->setCurrentIndex(ports->count() - 1);
         click(page, "btnOK");

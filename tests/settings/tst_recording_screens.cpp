@@ -5,6 +5,7 @@
 #include "ModalDriver.h"
 #include "RecordFiles.h"
 #include "RecordingFixture.h"
+#include "ScreenBench.h"
 #include "RunLogger.h"
 #include "Widgets.h"
 #include "frmQM730_History.h"
@@ -68,10 +69,10 @@ private slots:
 
     void dataSaveClampsAndExamples()
     {
-        auto state = makeState(home, {1});
-        RunLogger logger(*state, [] { return true; });
+        ScreenBench b(home, {1});
+        RunLogger &logger = b.recorder.runLog();
         logger.loadSettings();
-        frmQM730_Set_DSave screen(logger);
+        frmQM730_Set_DSave screen(b.ctx);
         screen.show();
         QCOMPARE(screen.windowTitle(), QString("數據儲存設定"));
         auto *interval = child<QLineEdit>(screen, "txtSaveInterval");
@@ -97,9 +98,9 @@ private slots:
 
     void dataSaveRefusalsAndCancelSaveNothing()
     {
-        auto state = makeState(home, {1});
-        RunLogger logger(*state, [] { return true; });
-        frmQM730_Set_DSave screen(logger);
+        ScreenBench b(home, {1});
+        RunLogger &logger = b.recorder.runLog();
+        frmQM730_Set_DSave screen(b.ctx);
         QSignalSpy saved(&screen, &frmQM730_Set_DSave::saved);
         screen.show();
         // Without a file the screen shows the running values.
@@ -123,10 +124,10 @@ private slots:
     void dataSaveOkWritesTheFileAndFiveRunningValues()
     {
         writeSaveSettingsFile(home, {"No", "5", "min", home + "/old", "Old", "1", "8", "30"});
-        auto state = makeState(home, {1});
-        RunLogger logger(*state, [] { return true; });
+        ScreenBench b(home, {1});
+        RunLogger &logger = b.recorder.runLog();
         logger.loadSettings();
-        frmQM730_Set_DSave screen(logger);
+        frmQM730_Set_DSave screen(b.ctx);
         screen.setCallWin("frmQM730_RunSimple");
         QSignalSpy saved(&screen, &frmQM730_Set_DSave::saved);
         screen.show();
@@ -171,12 +172,13 @@ private slots:
     {
         const QString file = home + "/EMail.mdb";
         QVERIFY(provisionMailDatabase(file));
-        mdlADO db;
-        QVERIFY(db.open(file));
-        MailNotifier mail(db, home);
+        ScreenBench b(home);
+        mdlADO &db = b.recorder.database();
+        QVERIFY(b.recorder.openDatabase());
+        MailNotifier &mail = b.recorder.mail();
         QVERIFY(db.saveSetMail("smtp", "a@b", "c@d;"));
         {
-            frmQM730_Set_EMail clean(mail);
+            frmQM730_Set_EMail clean(b.ctx);
             QCOMPARE(clean.windowTitle(), QString("E-mail setup"));
             QCOMPARE(clean.findChildren<QLineEdit *>("txtToMail").size(), 10);
             QCOMPARE(clean.findChildren<QCheckBox *>("chbItem").size(), 11);
@@ -187,7 +189,7 @@ private slots:
         sql(file, "UPDATE SetMail SET SendNG = 1");
         QVERIFY(db.queueMail("QM730 Alarm Status", "waiting"));
 
-        frmQM730_Set_EMail screen(mail);
+        frmQM730_Set_EMail screen(b.ctx);
         screen.show();
         QCOMPARE(child<QLabel>(screen, "lblSendNG")->text(), QString("SMTP Error"));
         auto *drop = child<QPushButton>(screen, "btnDeleteMail");
@@ -235,8 +237,9 @@ private slots:
 
     void historyListsAndLoadsFiles()
     {
+        ScreenBench b(home);
         {
-            frmQM730_History empty(home);
+            frmQM730_History empty(b.ctx);
             QCOMPARE(empty.windowTitle(), QString("歷史資料"));
             QVERIFY(QFileInfo(home + "/ActionHistory").isDir()); // made at the first look
             QCOMPARE(child<QTableWidget>(empty, "sprdList")->rowCount(), 0);
@@ -244,7 +247,7 @@ private slots:
         writeHistory("H003.USE", "2026-03-01 10:00:00\tI/S 1 ON\r\nno tab here\r\n2026-03-01 10:00:02\tD/I 2 OFF\textra\r\n");
         writeHistory("H010.USE", "2026-03-02 11:00:00\tPROGRAMRUN Start.\r\n");
         writeHistory("notes.USE", "free text\r\n");
-        frmQM730_History screen(home);
+        frmQM730_History screen(b.ctx);
         auto *list = child<QTableWidget>(screen, "sprdList");
         auto *lines = child<QTableWidget>(screen, "sprdHistory");
         QCOMPARE(list->horizontalHeaderItem(0)->text(), QString("機號"));
@@ -266,7 +269,8 @@ private slots:
     {
         const QByteArray original = "t1\tA\r\nt2\r\nt3\tC\r\nt4\tD\r\n";
         writeHistory("H003.USE", original);
-        frmQM730_History screen(home);
+        ScreenBench b(home);
+        frmQM730_History screen(b.ctx);
         auto *lines = child<QTableWidget>(screen, "sprdHistory");
         auto *del = screen.findChild<QAction *>("mEditDel");
         QVERIFY(del);
@@ -298,7 +302,7 @@ private slots:
         QFileInfo emptied(home + "/ActionHistory/H003.USE");
         QVERIFY(emptied.exists());
         QCOMPARE(emptied.size(), 0);
-        frmQM730_History again(home);
+        frmQM730_History again(b.ctx);
         QCOMPARE(column(child<QTableWidget>(again, "sprdList"), 0), QStringList{"003"});
     }
 
@@ -322,4 +326,4 @@ private slots:
 };
 
 QTEST_MAIN(TestScreens)
-#include "tst_screens.moc"
+#include "tst_recording_screens.moc"

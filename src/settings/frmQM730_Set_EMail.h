@@ -8,6 +8,7 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 class MailNotifier;
+struct ScreenContext;
 
 // E-mail settings. The ten address fields share the object name "txtToMail"
 // and the eleven item boxes "chbItem"; the property "Index" tells them apart
@@ -15,7 +16,7 @@ class MailNotifier;
 class frmQM730_Set_EMail : public QDialog {
     Q_OBJECT
 public:
-    explicit frmQM730_Set_EMail(MailNotifier &mail, QWidget *parent = nullptr);
+    explicit frmQM730_Set_EMail(ScreenContext &context, QWidget *parent = nullptr);
 
     QLineEdit *toMail(int index) const { return txtToMail.value(index); }
     QCheckBox *item(int index) const { return chbItem.value(index); }

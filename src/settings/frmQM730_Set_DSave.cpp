@@ -1,7 +1,9 @@
 #include "frmQM730_Set_DSave.h"
 #include "Files.h"
 #include "ConsoleMessages.h"
+#include "Recorder.h"
 #include "RunLogger.h"
+#include "ScreenContext.h"
 #include "frmSelectFolder.h"
 #include <QCheckBox>
 #include <QComboBox>
@@ -39,7 +41,8 @@ void selectText(QComboBox *box, const QString &text, const QString &otherwise)
 
 } // namespace
 
-frmQM730_Set_DSave::frmQM730_Set_DSave(RunLogger &logger, QWidget *parent) : QDialog(parent), m_logger(logger)
+frmQM730_Set_DSave::frmQM730_Set_DSave(ScreenContext &context, QWidget *parent)
+    : QDialog(parent), m_ctx(context), m_logger(context.recorder.runLog())
 {
     setObjectName(QStringLiteral("frmQM730_Set_DSave"));
     setWindowTitle(QStringLiteral("數據儲存設定"));

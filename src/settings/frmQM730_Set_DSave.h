@@ -7,6 +7,7 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 class RunLogger;
+struct ScreenContext;
 
 // Data-save settings of the run log. OK writes \CFG\SaveData.INI and hands
 // the running logger its new SaveEnable, SaveInterval, SaveUnit, SaveFolder
@@ -16,7 +17,7 @@ class RunLogger;
 class frmQM730_Set_DSave : public QDialog {
     Q_OBJECT
 public:
-    explicit frmQM730_Set_DSave(RunLogger &logger, QWidget *parent = nullptr);
+    explicit frmQM730_Set_DSave(ScreenContext &context, QWidget *parent = nullptr);
 
     void setCallWin(const QString &screenName);
     QString callWin() const;
@@ -35,6 +36,7 @@ private:
     void chooseFolder();
     void btnOK_Click();
 
+    ScreenContext &m_ctx;
     RunLogger &m_logger;
     QComboBox *cmbSave;
     QLineEdit *txtSaveInterval;

@@ -1,18 +1,5 @@
-#include "RunWidgets.h"
-#include <QFocusEvent>
+#include "LampStrip.h"
 #include <QPainter>
-#include <QPushButton>
-
-EntryField::EntryField(const QString &name, QWidget *parent) : QLineEdit(parent)
-{
-    setObjectName(name);
-}
-
-void EntryField::focusOutEvent(QFocusEvent *event)
-{
-    QLineEdit::focusOutEvent(event);
-    emit left();
-}
 
 LampStrip::LampStrip(const QString &name, int count, const QColor &onColour, QWidget *parent)
     : QWidget(parent), m_lit(count, false), m_on(onColour)
@@ -98,21 +85,3 @@ void LampStrip::paintEvent(QPaintEvent *)
         }
     }
 }
-
-namespace LitButton {
-
-void setLit(QPushButton *button, bool lit)
-{
-    if (isLit(button) == lit)
-        return;
-    button->setProperty("Lit", lit);
-    // Style sheets only on a change: a redraw a second touches many buttons.
-    button->setStyleSheet(lit ? QStringLiteral("QPushButton { background-color: #ff0000; color: white; }") : QString());
-}
-
-bool isLit(const QPushButton *button)
-{
-    return button->property("Lit").toBool();
-}
-
-} // namespace LitButton

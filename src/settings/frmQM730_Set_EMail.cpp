@@ -1,5 +1,7 @@
 #include "frmQM730_Set_EMail.h"
 #include "MailNotifier.h"
+#include "Recorder.h"
+#include "ScreenContext.h"
 #include "mdlADO.h"
 #include <QCheckBox>
 #include <QGridLayout>
@@ -18,7 +20,8 @@ const char *const kItemCaptions[MailSettings::ItemCount] = {
 
 } // namespace
 
-frmQM730_Set_EMail::frmQM730_Set_EMail(MailNotifier &mail, QWidget *parent) : QDialog(parent), m_mail(mail)
+frmQM730_Set_EMail::frmQM730_Set_EMail(ScreenContext &context, QWidget *parent)
+    : QDialog(parent), m_mail(context.recorder.mail())
 {
     setObjectName(QStringLiteral("frmQM730_Set_EMail"));
     setWindowTitle(QStringLiteral("E-mail setup"));

@@ -1,5 +1,7 @@
 #include "frmQM730_History.h"
 #include "RecordFiles.h"
+#include "ConsoleState.h"
+#include "ScreenContext.h"
 #include "ConsoleMessages.h"
 #include <QAction>
 #include <QContextMenuEvent>
@@ -32,7 +34,8 @@ QTableWidgetItem *cell(const QString &text)
 
 } // namespace
 
-frmQM730_History::frmQM730_History(const QString &home, QWidget *parent) : QDialog(parent), m_home(home)
+frmQM730_History::frmQM730_History(ScreenContext &context, QWidget *parent)
+    : QDialog(parent), m_home(context.state.home)
 {
     setObjectName(QStringLiteral("frmQM730_History"));
     setWindowTitle(QStringLiteral("歷史資料"));

@@ -1,6 +1,7 @@
 #pragma once
 #include <QDialog>
 
+struct ScreenContext;
 class QAction;
 class QLabel;
 class QMenu;
@@ -13,7 +14,7 @@ class QTableWidget;
 class frmQM730_History : public QDialog {
     Q_OBJECT
 public:
-    explicit frmQM730_History(const QString &home, QWidget *parent = nullptr);
+    explicit frmQM730_History(ScreenContext &context, QWidget *parent = nullptr);
 
     // Selects a row of sprdList and loads its file.
     void selectMachine(int listRow);

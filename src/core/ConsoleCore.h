@@ -1,6 +1,7 @@
 #pragma once
 #include "CommLink.h"
 #include "ConsoleState.h"
+#include "ScreenContext.h"
 #include <QObject>
 #include <QTimer>
 #include <memory>
@@ -28,6 +29,8 @@ public:
     CommLink &link() { return *m_link; }
     Recorder &recorder() { return *m_recorder; }
     CommPort &port() { return *m_port; }
+    // What the screens are given.
+    ScreenContext &context() { return *m_context; }
 
     // The main screen's own refresh timer, the first ActiveRefreshTimer.
     QTimer tmrRefresh;
@@ -44,4 +47,5 @@ private:
     std::unique_ptr<CommPort> m_port;
     std::unique_ptr<CommLink> m_link;
     std::unique_ptr<Recorder> m_recorder;
+    std::unique_ptr<ScreenContext> m_context;
 };

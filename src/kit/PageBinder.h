@@ -1,0 +1,108 @@
+#pragma once
+#include "Dictionary.h"
+#include "EntryField.h"
+#include <QList>
+#include <QObject>
+#include <functional>
+#include <optional>
+#include <vector>
+
+class QAbstractButton;
+struct ScreenContext;
+
+// A group of option buttons bound to one parameter row. Each button stands
+// for a word, which may differ between the layouts (legacy 0 and 1, current
+// 1 and 2). The group's state is its colours: the chosen button has the
+// colour 65280, the others the face colour, and selected() reads that back.
+class OptionGroup : public QObject {
+    Q_OBJECT
+public:
+    OptionGroup(ScreenContext &context, ParamRef ref, QList<QAbstractButton *> buttons, QList<int> currentWords,
+                QList<int> legacyWords, QObject *parent);
+
+    // Colours the button of the row's word; a word that fits no button, or a
+    // row not read yet, leaves every button in the face colour.
+    void load();
+    // The index of the chosen button by its colour, -1 when none is.
+    int selected() const;
+    // As the operator's click: colours, stores the word, writes the row.
+    void choose(int index);
+
+    const QList<QAbstractButton *> &buttons() const { return m_buttons; }
+    ParamRef param() const { return m_ref; }
+
+signals:
+    void chosen(int index);
+
+private:
+    QList<int> words() const;
+    void colour(int index);
+
+    ScreenContext &m_ctx;
+    ParamRef m_ref;
+    QList<QAbstractButton *> m_buttons;
+    QList<int> m_current;
+    QList<int> m_legacy;
+};
+
+// The fields of a parameter page bound to the parameters of the dictionary.
+//
+// A field shows its parameter's word decoded by the row's encoding at the
+// controller's firmware, with the controller's display resolution (the row
+// by the version test of the layouts). Leaving it clamps to the parameter's
+// range, formatted with the field's pattern. Enter clamps the same way,
+// stores the value in the image cell and writes the row to the controller at
+// the parameter's wire address; the page reloads when the reply is in.
+//
+// A high/low pair keeps the high value above the low one: a commit that would
+// break it takes back the edited field's old text, which is written again.
+//
+// The page's own rules (fields enabled by another row, rows that follow a
+// mode) run after every load and every change through onChange().
+class PageBinder : public QObject {
+    Q_OBJECT
+public:
+    using Which = std::function<std::optional<ParamRef>()>;
+
+    explicit PageBinder(ScreenContext &context, QObject *parent = nullptr);
+
+    // A field of a parameter.
+    EntryBinding *field(EntryField *edit, ParamRef ref);
+    // A field whose parameter follows a mode of the page (the RTD or the
+    // voltage row of an offset), asked at each load and commit; none: the
+    // field is left alone.
+    EntryBinding *field(EntryField *edit, Which which);
+    // Narrower bounds than the dictionary's, or a range where it has none.
+    void setRange(EntryBinding *field, const EntryBinding::Range &range);
+    // The high (index 1) and low (index 0) field of a pair.
+    void pair(EntryBinding *high, EntryBinding *low);
+
+    OptionGroup *options(ParamRef ref, QList<QAbstractButton *> buttons, QList<int> currentWords,
+                         QList<int> legacyWords = {});
+
+    // Every field and option group from the image, then the page's rules.
+    void load();
+    void onChange(std::function<void()> rule) { m_rules.push_back(std::move(rule)); }
+
+    // The parameter a field stands for now.
+    std::optional<ParamRef> paramOf(const EntryBinding *field) const;
+
+private:
+    struct Field {
+        EntryBinding *binding;
+        Which which;
+        std::optional<EntryBinding::Range> range;
+        EntryBinding *partner = nullptr; // the other field of a pair
+        bool high = false;
+    };
+    Field *find(const EntryBinding *binding);
+    const Field *find(const EntryBinding *binding) const;
+    std::optional<EntryBinding::Range> rangeOf(const Field &f) const;
+    void commit(Field &f, const QString &oldText, const QString &newText);
+    void runRules();
+
+    ScreenContext &m_ctx;
+    std::vector<Field> m_fields;
+    QList<OptionGroup *> m_groups;
+    std::vector<std::function<void()>> m_rules;
+};
