@@ -105,15 +105,23 @@ void ScreenRegistry::setMaker(const QString &name, Maker maker)
     m_entries.push_back({name, Nothing, std::move(maker)});
 }
 
+void ScreenRegistry::prepare(const QString &name, ScreenContext &context) const
+{
+    const Entry *e = find(name);
+    if (!e)
+        return;
+    if (e->before & ReadParameters)
+        context.requests().readParameters();
+    if (e->before & RefreshOnOpen)
+        context.state.RefreshOnOpen = true;
+}
+
 bool ScreenRegistry::open(const QString &name, ScreenContext &context, QWidget *parent) const
 {
     const Entry *e = find(name);
     if (!e || !e->make)
         return false;
-    if (e->before & ReadParameters)
-        context.requests().readParameters();
-    if (e->before & RefreshOnOpen)
-        context.state.RefreshOnOpen = true;
+    prepare(name, context);
     if (std::unique_ptr<QDialog> screen = e->make(context, parent))
         screen->exec();
     return true;

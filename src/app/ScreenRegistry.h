@@ -37,6 +37,8 @@ public:
     // Replaces how a screen is made (a new entry when the name is unknown).
     void setMaker(const QString &name, Maker make);
 
+    // The before steps of a screen alone.
+    void prepare(const QString &name, ScreenContext &context) const;
     // The before steps, then the screen made and run modally. False when the
     // screen has no maker (and then nothing at all happens).
     bool open(const QString &name, ScreenContext &context, QWidget *parent) const;

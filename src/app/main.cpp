@@ -1,4 +1,5 @@
 #include "Headless.h"
+#include "Provision.h"
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -9,7 +10,6 @@
 #include <memory>
 
 int runWindow(QApplication &app, const QString &home, bool commLog, bool demo);
-bool provisionHome(const QString &home);
 
 static constexpr const char *kVersion = "OV5.1.0";
 
