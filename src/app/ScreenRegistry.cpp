@@ -11,6 +11,7 @@
 #include "frmQM730_SysPass_Chk.h"
 #include "frmQM730_SysPass_Reg.h"
 #include "frmSelectFolder.h"
+#include "frmSys_AlarmCode.h"
 #include <QDialog>
 
 namespace {
@@ -73,7 +74,7 @@ ScreenRegistry ScreenRegistry::console()
         {"frmQM730SYS_Control_RevisionH", Nothing, {}},
         {"frmQM730SYS_InnerNew", refresh, {}},
         {"frmQM730SYS_Alarm", refresh, {}},
-        {"frmSys_AlarmCode", Nothing, {}},
+        {"frmSys_AlarmCode", Nothing, make<frmSys_AlarmCode>()},
         {"frmQM730SYS_PID", refresh, {}},
         {"frmQM730SYS_PID_Val", Nothing, {}},
         {"frmQM730SYS_DI", refresh, {}},

@@ -12,6 +12,7 @@
 #include "frmQM730_Set_DSave.h"
 #include "frmQM730_Set_EMail.h"
 #include "frmSelectFolder.h"
+#include "frmSys_AlarmCode.h"
 #include "mdlADO.h"
 #include <QAction>
 #include <QApplication>
@@ -304,6 +305,28 @@ private slots:
         QCOMPARE(emptied.size(), 0);
         frmQM730_History again(b.ctx);
         QCOMPARE(column(child<QTableWidget>(again, "sprdList"), 0), QStringList{"003"});
+    }
+
+    void alarmCodeChooserHandsBackTheChoice()
+    {
+        ScreenBench b(home);
+        ModalDriver d;
+        // A double click on a type chooses its code.
+        d.then([](QWidget *w) {
+            auto *sheet = child<QTableWidget>(*w, "vaSpread1");
+            QCOMPARE(child<QLabel>(*w, "lblRow")->text(), QString("3"));
+            QCOMPARE(sheet->item(3, 0)->text(), QString("04"));
+            emit sheet->cellDoubleClicked(3, 1);
+        });
+        QCOMPARE(frmSys_AlarmCode::choose(b.ctx, nullptr, 3), std::optional<int>(4));
+        // "關閉" chooses no alarm; closing the window chooses nothing.
+        d.dialog("btnAlarmOff");
+        QCOMPARE(frmSys_AlarmCode::choose(b.ctx, nullptr, 1), std::optional<int>(0));
+        d.then([](QWidget *w) { static_cast<QDialog *>(w)->reject(); });
+        QCOMPARE(frmSys_AlarmCode::choose(b.ctx, nullptr, 1), std::nullopt);
+        QVERIFY(d.done() && d.unexpected.isEmpty());
+        QCOMPARE(frmSys_AlarmCode::codeText(0), QString("--"));
+        QCOMPARE(frmSys_AlarmCode::codeText(7), QString("07"));
     }
 
     void rewriteReplacesTheFileWhole()
