@@ -3,7 +3,12 @@
 
 const FuzzTarget kFuzzTargets[] = {
     {"receive", fuzzReceive},
+    {"commport_cfg", fuzzCommPortCfg},
+    {"commwait_tm", fuzzCommWaitTm},
+    {"portmap_cfg", fuzzPortMapCfg},
+    {"run_ini", fuzzRunIni},
     // multicolor_cfg (CFG/MultiColor.CFG): the status board's reader is not written yet.
+    {"id_ini", fuzzIdIni},
 };
 const size_t kFuzzTargetCount = sizeof kFuzzTargets / sizeof kFuzzTargets[0];
 

@@ -7,6 +7,11 @@
 // its own, calls the console's reader and checks what must hold
 // (FUZZ_REQUIRE). All return 0.
 int fuzzReceive(const uint8_t *data, size_t size);     // bytes from the line, FuzzReceive.h
+int fuzzCommPortCfg(const uint8_t *data, size_t size); // CommPort.CFG
+int fuzzCommWaitTm(const uint8_t *data, size_t size);  // CommWait.TM
+int fuzzPortMapCfg(const uint8_t *data, size_t size);  // PortMap.CFG
+int fuzzRunIni(const uint8_t *data, size_t size);      // CFG/Run.INI
+int fuzzIdIni(const uint8_t *data, size_t size);       // QM730_ID.INI
 
 struct FuzzTarget {
     const char *name; // fuzz_<name> is its program, fuzz/corpus/<name> its corpus
