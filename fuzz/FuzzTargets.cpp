@@ -8,6 +8,8 @@ const FuzzTarget kFuzzTargets[] = {
     {"portmap_cfg", fuzzPortMapCfg},
     {"run_ini", fuzzRunIni},
     // multicolor_cfg (CFG/MultiColor.CFG): the status board's reader is not written yet.
+    {"program_cache", fuzzProgramCache},
+    {"ptn_recv_opt", fuzzPtnRecvOpt},
     {"id_ini", fuzzIdIni},
 };
 const size_t kFuzzTargetCount = sizeof kFuzzTargets / sizeof kFuzzTargets[0];

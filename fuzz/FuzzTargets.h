@@ -12,6 +12,8 @@ int fuzzCommWaitTm(const uint8_t *data, size_t size);  // CommWait.TM
 int fuzzPortMapCfg(const uint8_t *data, size_t size);  // PortMap.CFG
 int fuzzRunIni(const uint8_t *data, size_t size);      // CFG/Run.INI
 int fuzzIdIni(const uint8_t *data, size_t size);       // QM730_ID.INI
+int fuzzProgramCache(const uint8_t *data, size_t size); // LastPData_<n>.PD/.SD/.TD
+int fuzzPtnRecvOpt(const uint8_t *data, size_t size);  // PTN_Recv.OPT
 
 struct FuzzTarget {
     const char *name; // fuzz_<name> is its program, fuzz/corpus/<name> its corpus
