@@ -7,10 +7,13 @@ const FuzzTarget kFuzzTargets[] = {
     {"commwait_tm", fuzzCommWaitTm},
     {"portmap_cfg", fuzzPortMapCfg},
     {"run_ini", fuzzRunIni},
+    {"savedata_ini", fuzzSaveDataIni},
+    {"setemail_cfg", fuzzSetEMailCfg},
     // multicolor_cfg (CFG/MultiColor.CFG): the status board's reader is not written yet.
     {"program_cache", fuzzProgramCache},
     {"ptn_recv_opt", fuzzPtnRecvOpt},
     {"id_ini", fuzzIdIni},
+    {"history_use", fuzzHistoryUse},
 };
 const size_t kFuzzTargetCount = sizeof kFuzzTargets / sizeof kFuzzTargets[0];
 

@@ -14,6 +14,9 @@ int fuzzRunIni(const uint8_t *data, size_t size);      // CFG/Run.INI
 int fuzzIdIni(const uint8_t *data, size_t size);       // QM730_ID.INI
 int fuzzProgramCache(const uint8_t *data, size_t size); // LastPData_<n>.PD/.SD/.TD
 int fuzzPtnRecvOpt(const uint8_t *data, size_t size);  // PTN_Recv.OPT
+int fuzzSaveDataIni(const uint8_t *data, size_t size); // CFG/SaveData.INI
+int fuzzSetEMailCfg(const uint8_t *data, size_t size); // CFG/SetEMail.CFG
+int fuzzHistoryUse(const uint8_t *data, size_t size);  // ActionHistory/H<n>.USE
 
 struct FuzzTarget {
     const char *name; // fuzz_<name> is its program, fuzz/corpus/<name> its corpus
