@@ -5,6 +5,8 @@
 #include "StatusListener.h"
 #include "mdlModbusRTU.h"
 #include "mdlQM730_Protocol.h"
+#include <algorithm>
+#include <limits>
 
 CommLink::CommLink(ConsoleState &state, CommPort &port, QObject *parent)
     : QObject(parent), m_st(state), m_port(port)
@@ -122,8 +124,10 @@ int CommLink::whoSettleMs(const QString &baud)
 void CommLink::setReplyTimeoutFromBaud()
 {
     const int extra = baudTimeoutExtra(m_st.CommBaud);
-    // An unknown baud keeps the initial 500 ms, without the extra wait.
-    tmrRecvErr.setInterval(extra < 0 ? 500 : std::max(1, m_st.CommWaitMs + extra));
+    // An unknown baud keeps the initial 500 ms, without the extra wait. A wait
+    // beyond what a timer holds is cut to the longest time-out.
+    const qint64 ms = qint64(m_st.CommWaitMs) + extra;
+    tmrRecvErr.setInterval(extra < 0 ? 500 : int(std::clamp<qint64>(ms, 1, std::numeric_limits<int>::max())));
 }
 
 // ---------------------------------------------------------------- walks and menus

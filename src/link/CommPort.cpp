@@ -34,5 +34,5 @@ QString mapPortDevice(const QString &home, int portNo)
             }
         }
     }
-    return QStringLiteral("/dev/ttyS%1").arg(portNo - 1);
+    return QStringLiteral("/dev/ttyS%1").arg(qint64(portNo) - 1); // any number CommPort.CFG gives
 }

@@ -9,9 +9,9 @@ SaveSettings SaveSettings::defaults(const QString &home)
     return s;
 }
 
-int SaveSettings::intervalSeconds() const
+qint64 SaveSettings::intervalSeconds() const
 {
-    return SaveUnit == QLatin1String("min") ? SaveInterval * 60 : SaveInterval;
+    return SaveUnit == QLatin1String("min") ? qint64(SaveInterval) * 60 : SaveInterval;
 }
 
 QStringList SaveSettings::toLines() const

@@ -19,8 +19,9 @@ struct SaveSettings {
     // "QM730_DATA" in the program's folder.
     static SaveSettings defaults(const QString &home);
 
-    // The interval in seconds as the logging tick uses it.
-    int intervalSeconds() const;
+    // The interval in seconds as the logging tick uses it (wide enough for
+    // any minutes a hand-edited file gives).
+    qint64 intervalSeconds() const;
 
     // The eight lines of the settings file.
     QStringList toLines() const;

@@ -1,0 +1,33 @@
+#pragma once
+#include <QByteArray>
+#include <QString>
+#include <cstddef>
+#include <cstdint>
+
+// What every fuzz target shares: a program folder of its own in a temporary
+// folder, the input written as one of the console's files, and the check that
+// turns a broken property into a finding.
+
+// A program folder for one target, created on first use inside this
+// process's temporary folder (in /dev/shm when there is one; removed when the
+// process ends).
+QString fuzzHome(const char *target);
+
+// Writes the input as the file at a path relative to the program folder,
+// replacing what was there.
+void writeFuzzFile(const QString &home, const QString &relative, const uint8_t *data, size_t size);
+QByteArray readFuzzFile(const QString &home, const QString &relative);
+
+// A property that must hold for every input. A broken one is reported to the
+// failure handler: by default it prints the property and aborts, so libFuzzer
+// keeps the input; the corpus replay installs one that throws instead.
+using FuzzFailureHandler = void (*)(const char *what);
+void setFuzzFailureHandler(FuzzFailureHandler handler);
+[[noreturn]] void fuzzFailed(const char *what);
+#define FUZZ_STR2(x) #x
+#define FUZZ_STR(x) FUZZ_STR2(x)
+#define FUZZ_REQUIRE(cond)                                                                                   \
+    do {                                                                                                     \
+        if (!(cond))                                                                                         \
+            fuzzFailed(__FILE__ ":" FUZZ_STR(__LINE__) ": " #cond);                                          \
+    } while (0)
