@@ -65,6 +65,49 @@ private slots:
         QCOMPARE(f.mail(), (QList<int>{102, 74, 1}));
     }
 
+    void theManualZoneGoesToItsRow_data()
+    {
+        QTest::addColumn<double>("firmware");
+        QTest::addColumn<QString>("protocol");
+        QTest::addColumn<int>("address");
+        QTest::newRow("current, PC Link") << 2.31 << "PC Link" << 295;
+        QTest::newRow("current, PC Link + crc") << 2.2 << "PC Link + crc" << 295;
+        QTest::newRow("current, Modbus RTU") << 2.31 << "Modbus RTU" << 40395;
+        QTest::newRow("legacy, PC Link") << 2.19 << "PC Link" << 75;
+        QTest::newRow("legacy, Modbus RTU") << 2.19 << "Modbus RTU" << 75;
+    }
+    void theManualZoneGoesToItsRow()
+    {
+        QFETCH(double, firmware);
+        QFETCH(QString, protocol);
+        QFETCH(int, address);
+        PageFixture f(firmware, protocol);
+        f.open<frmQM730SYS_PID>();
+        const int row = address % 40100;
+        f.enter(f.field("txtPIDZone_Manual"), QStringLiteral("7"));
+        QCOMPARE(f.mail(), (QList<int>{102, address, 7}));
+        QCOMPARE(f.row(row), QStringLiteral("7"));
+        // Text that is no number counts as 0; the reload after the reply shows it.
+        f.enter(f.field("txtPIDZone_Manual"), QStringLiteral("x9"));
+        QCOMPARE(f.mail(), (QList<int>{102, address, 0}));
+        QCOMPARE(f.row(row), QStringLiteral("0"));
+        f.reload();
+        QCOMPARE(f.field("txtPIDZone_Manual")->text(), QStringLiteral("0"));
+    }
+
+    void twoFieldsBeforeOneSendTick()
+    {
+        // One mailbox: the second commit takes the place of the first, and
+        // the image keeps both.
+        PageFixture f(2.31, QStringLiteral("Modbus RTU"));
+        f.open<frmQM730SYS_PID>();
+        f.enter(f.field("txtPIDZone_Manual"), QStringLiteral("7"));
+        f.enter(f.field("txtT_AT_Gain"), QStringLiteral("2.5"));
+        QCOMPARE(f.mail(), (QList<int>{102, 40396, 250}));
+        QCOMPARE(f.row(295), QStringLiteral("7"));
+        QCOMPARE(f.row(296), QStringLiteral("250"));
+    }
+
     void theTableOfPidSets_data()
     {
         QTest::addColumn<double>("firmware");
