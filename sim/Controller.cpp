@@ -157,10 +157,15 @@ void Controller::loadFactory(const ControllerSetup &setup)
     put(31, 31, 0);
     put(32, 34, 10000);
     put(33, 35, 10000);
+    // Revision curves: base points (rows 40 on) and what the sensor measured
+    // there (rows 34 on), a fraction of a degree off in the middle.
+    const double tempBase[6] = {-100, -40, 20, 80, 140, 200};
+    const double tempMeasured[6] = {-100, -40.5, 19.6, 80.4, 140.2, 200};
+    const double humiMeasured[6] = {0, 21, 40.5, 59.5, 80, 100};
     for (int i = 0; i < 6; ++i) {
-        put(34 + i, 457 + i, 2000);
-        put(40 + i, 463 + i, encodeOffset(-50.0 + 50.0 * i, 10, 2000));
-        put(56 + i, 469 + i, 2000);
+        put(34 + i, 457 + i, encodeOffset(tempMeasured[i], 10, 2000));
+        put(40 + i, 463 + i, encodeOffset(tempBase[i], 10, 2000));
+        put(56 + i, 469 + i, encodeOffset(humiMeasured[i], 10, 2000));
         put(62 + i, 475 + i, encodeOffset(20.0 * i, 10, 2000));
     }
     put(46, 37, 1);
@@ -207,9 +212,9 @@ void Controller::loadFactory(const ControllerSetup &setup)
     put(96, 252, 0);
     put(97, 251, 10000);
     for (int i = 0; i < 3; ++i) {
-        put(82 + i, 481 + i, 2000);
-        put(85 + i, 484 + i, encodeOffset(100.0 * i, 10, 2000));
-        put(98 + i, 487 + i, 2000);
+        put(82 + i, 481 + i, encodeOffset(-100.0 + 150.0 * i, 10, 2000));
+        put(85 + i, 484 + i, encodeOffset(-100.0 + 150.0 * i, 10, 2000));
+        put(98 + i, 487 + i, encodeOffset(50.0 * i, 10, 2000));
         put(101 + i, 490 + i, encodeOffset(50.0 * i, 10, 2000));
     }
 
@@ -556,6 +561,8 @@ void Controller::pinRcv(int row, std::optional<quint16> value)
 
 std::optional<quint16> Controller::readRegister(int reg) const
 {
+    if (plainParamRegister(reg))
+        return word(reg);
     if (reg == RegIdentity)
         return IdentityModel;
     if (reg == RegIdentity + 1)
@@ -581,14 +588,16 @@ std::optional<quint16> Controller::readRegister(int reg) const
 
 bool Controller::canWriteRegister(int reg) const
 {
-    return (reg >= RegRrp && reg < RegRrp + RrpRows) || (reg >= RegUp && reg <= RegUpPlus89)
+    return plainParamRegister(reg) || (reg >= RegRrp && reg < RegRrp + RrpRows) || (reg >= RegUp && reg <= RegUpPlus89)
         || textRegister(reg).has_value()
         || (reg >= RegPattern && reg < RegPattern + PatternWords * patternCount());
 }
 
 void Controller::writeRegister(int reg, quint16 value)
 {
-    if (reg >= RegRrp && reg < RegRrp + RrpRows) {
+    if (plainParamRegister(reg)) {
+        setUp(reg, value);
+    } else if (reg >= RegRrp && reg < RegRrp + RrpRows) {
         setRrp(reg - RegRrp + 1, value);
     } else if (reg == RegUpPlus88 || reg == RegUpPlus89) {
         setUpPlus(reg - RegUpPlus88 + 88, value);

@@ -108,6 +108,11 @@ private:
         int tempSvHigh, tempSvLow, humiSvHigh, humiSvLow;
     };
 
+    // Registers 1 to the block's last row address its rows by their plain
+    // number, as pages of the legacy layout (and a few fields of the
+    // current one) write them in Modbus RTU.
+    bool plainParamRegister(int reg) const { return reg >= 1 && reg <= upRows(); }
+
     void loadFactory(const ControllerSetup &setup);
     void loadExamplePrograms();
     void put(int currentRow, int legacyRow, quint16 value);

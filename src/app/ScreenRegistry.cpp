@@ -10,6 +10,10 @@
 #include "frmQM730_Set_Port.h"
 #include "frmQM730_SysPass_Chk.h"
 #include "frmQM730_SysPass_Reg.h"
+#include "frmQM730SYS_Control.h"
+#include "frmQM730SYS_PID.h"
+#include "frmQM730SYS_Revision.h"
+#include "frmQM730SYS_Sensor.h"
 #include "frmSelectFolder.h"
 #include "frmSys_AlarmCode.h"
 #include <QDialog>
@@ -66,17 +70,17 @@ ScreenRegistry ScreenRegistry::console()
         {"frmQM730Func_Run", refresh, {}},
         {"frmQM730Func_GrpSave", refresh, {}},
         // System pages.
-        {"frmQM730SYS_Sensor", refresh, {}},
-        {"frmQM730SYS_Sensor_RevisionT", Nothing, {}},
-        {"frmQM730SYS_Sensor_RevisionH", Nothing, {}},
-        {"frmQM730SYS_Control", refresh, {}},
-        {"frmQM730SYS_Control_RevisionT", Nothing, {}},
-        {"frmQM730SYS_Control_RevisionH", Nothing, {}},
+        {"frmQM730SYS_Sensor", refresh, make<frmQM730SYS_Sensor>()},
+        {"frmQM730SYS_Sensor_RevisionT", Nothing, make<frmQM730SYS_Sensor_RevisionT>()},
+        {"frmQM730SYS_Sensor_RevisionH", Nothing, make<frmQM730SYS_Sensor_RevisionH>()},
+        {"frmQM730SYS_Control", refresh, make<frmQM730SYS_Control>()},
+        {"frmQM730SYS_Control_RevisionT", Nothing, make<frmQM730SYS_Control_RevisionT>()},
+        {"frmQM730SYS_Control_RevisionH", Nothing, make<frmQM730SYS_Control_RevisionH>()},
         {"frmQM730SYS_InnerNew", refresh, {}},
         {"frmQM730SYS_Alarm", refresh, {}},
         {"frmSys_AlarmCode", Nothing, make<frmSys_AlarmCode>()},
-        {"frmQM730SYS_PID", refresh, {}},
-        {"frmQM730SYS_PID_Val", Nothing, {}},
+        {"frmQM730SYS_PID", refresh, make<frmQM730SYS_PID>()},
+        {"frmQM730SYS_PID_Val", Nothing, make<frmQM730SYS_PID_Val>()},
         {"frmQM730SYS_DI", refresh, {}},
         {"frmQM730SYS_DO", refresh, {}},
         {"frmQM730SYS_Comm", refresh, {}},

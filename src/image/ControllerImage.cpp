@@ -1,4 +1,5 @@
 #include "ControllerImage.h"
+#include "Firmware.h"
 
 ControllerImage::ControllerImage()
 {
@@ -13,18 +14,18 @@ void ControllerImage::clearLoadedFlags()
 
 int ControllerImage::upRowsFor(double v)
 {
-    if (v >= 2.2)
+    if (Firmware::atLeast(v, Firmware::CurrentLayout))
         return 512;
-    if (v >= 2.09)
+    if (Firmware::atLeast(v, Firmware::RevisionCurves))
         return 492;
-    if (v >= 1.81)
+    if (Firmware::atLeast(v, Firmware::Block456))
         return 456;
     return 392;
 }
 
 int ControllerImage::patternCountFor(double v)
 {
-    return v >= 2.2 ? 100 : 300;
+    return Firmware::atLeast(v, Firmware::CurrentLayout) ? 100 : 300;
 }
 
 void ControllerImage::applyFirmware(double version)

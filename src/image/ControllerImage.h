@@ -1,4 +1,5 @@
 #pragma once
+#include "Firmware.h"
 #include "TextTable.h"
 #include <array>
 
@@ -37,7 +38,7 @@ public:
     void applyFirmware(double version);
     static int upRowsFor(double version);
     static int patternCountFor(double version);
-    bool isCurrentLayout() const { return m_firmware >= 2.2; }
+    bool isCurrentLayout() const { return Firmware::atLeast(m_firmware, Firmware::CurrentLayout); }
 
     // Decimals of temperatures, 0 to 2, taken from the foreground machine.
     int tempDecimals() const { return m_tempDecimals; }

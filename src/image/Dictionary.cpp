@@ -1,5 +1,6 @@
 #include "Dictionary.h"
 #include "ControllerImage.h"
+#include "Firmware.h"
 #include <algorithm>
 
 namespace {
@@ -8,7 +9,7 @@ namespace {
 struct Entry {
     ParamInfo v;
     Entry(Param p, const char *name, int current, int legacy, Encoding e)
-        : v{p, name, UpBlock::Up, current, legacy, e, false, 0, 0, 0, 0, 0, 0, 0, 0, false}
+        : v{p, name, UpBlock::Up, current, legacy, e, false, 0, 0, false, {}, {}, 0, 0, 0, 0, 0, 0, false}
     {
     }
     Entry &range(double low, double high)
@@ -17,6 +18,14 @@ struct Entry {
         v.low = low;
         v.high = high;
         return *this;
+    }
+    // The bounds of the high field and of the low field of a pair.
+    Entry &fields(ParamBounds high, ParamBounds low)
+    {
+        v.fieldBounds = true;
+        v.highField = high;
+        v.lowField = low;
+        return range(std::min(high.low, low.low), std::max(high.high, low.high));
     }
     // High field (index 1) at the row, low field (index 0) at the row after it.
     Entry &pair() { return family(1, 0, -1); }
@@ -49,6 +58,18 @@ struct Entry {
 using E = Encoding;
 using P = Param;
 
+// Bounds of the high and the low field of the usual pairs: a temperature
+// range of -100 to 200 degrees, an output limit of -5 to 105 %.
+constexpr ParamBounds kTempHigh{-99.99, 200};
+constexpr ParamBounds kTempLow{-100, 199.99};
+constexpr ParamBounds kLimitHigh{-4.98, 105};
+constexpr ParamBounds kLimitLow{-5, 104.99};
+// The humidity line of the ON/OFF table (line 5): 0 to 100 % and differences
+// up to 100 instead of -100 to 200 degrees and 300.
+constexpr int kOnOffHumidityLine = 5;
+constexpr ParamBounds kOnOffHumidityValue{0, 100};
+constexpr ParamBounds kOnOffHumidityDifference{0, 100};
+
 QList<ParamInfo> buildTable()
 {
     const Entry entries[] = {
@@ -73,38 +94,38 @@ QList<ParamInfo> buildTable()
         // Sensors.
         Entry(P::btnSensorType1, "btnSensorType1", 24, 24, E::OPT),
         Entry(P::txtLPF1, "txtLPF1", 25, 25, E::INT).range(2, 180),
-        Entry(P::txtInputRange1_RTD, "txtInputRange1_RTD", 26, 26, E::T100).pair(),
-        Entry(P::txtScale1, "txtScale1", 28, 28, E::T100).pair().range(-100, 200),
-        Entry(P::txtInputRange1_V, "txtInputRange1_V", 30, 30, E::V100).pair(),
+        Entry(P::txtInputRange1_RTD, "txtInputRange1_RTD", 26, 26, E::T100).pair().fields(kTempHigh, kTempLow),
+        Entry(P::txtScale1, "txtScale1", 28, 28, E::T100).pair().fields(kTempHigh, kTempLow),
+        Entry(P::txtInputRange1_V, "txtInputRange1_V", 30, 30, E::V100).pair().fields(kTempHigh, kTempLow),
         Entry(P::txtBias1_RTD, "txtBias1_RTD", 32, 34, E::OFS).range(-100, 100),
         Entry(P::txtBias1_V, "txtBias1_V", 33, 35, E::OFS).range(-100, 100),
         Entry(P::txtAdjustY_T, "txtAdjustY_T", 34, 457, E::REV).family(1, 6).range(-196.5, 266.4),
         Entry(P::txtAdjustX_T, "txtAdjustX_T", 40, 463, E::REV).family(1, 6).range(-196.5, 266.4),
         Entry(P::btnSensorType2, "btnSensorType2", 46, 37, E::OPT),
         Entry(P::txtLPF2, "txtLPF2", 47, 38, E::INT).range(2, 180),
-        Entry(P::txtInputRange2_RTD, "txtInputRange2_RTD", 48, 39, E::T100).pair(),
-        Entry(P::txtScale2, "txtScale2", 50, 41, E::X100).pair().range(0, 100),
-        Entry(P::txtInputRange2_V, "txtInputRange2_V", 52, 43, E::V100).pair(),
+        Entry(P::txtInputRange2_RTD, "txtInputRange2_RTD", 48, 39, E::T100).pair().fields(kTempHigh, kTempLow),
+        Entry(P::txtScale2, "txtScale2", 50, 41, E::X100).pair().fields({0.1, 100}, {0, 99.9}),
+        Entry(P::txtInputRange2_V, "txtInputRange2_V", 52, 43, E::V100).pair().fields(kTempHigh, kTempLow),
         Entry(P::txtBias2_RTD, "txtBias2_RTD", 54, 47, E::OFS).range(-100, 100),
         Entry(P::txtBias2_V, "txtBias2_V", 55, 48, E::OFS).range(-100, 100),
         Entry(P::txtAdjustY_H, "txtAdjustY_H", 56, 469, E::REV).family(1, 6).range(-5, 105),
         Entry(P::txtAdjustX_H, "txtAdjustX_H", 62, 475, E::REV).family(1, 6).range(-5, 105),
         Entry(P::btnDryWetADJ_R, "btnDryWetADJ_R", 68, 50, E::OPT),
         Entry(P::txtWetTemp, "txtWetTemp", 69, 51, E::OFS).range(-99.99, 99.99),
-        Entry(P::txtDryTemp_Range, "txtDryTemp_Range", 70, 52, E::T100).pair().range(0, 99.99),
+        Entry(P::txtDryTemp_Range, "txtDryTemp_Range", 70, 52, E::T100).pair().fields({0.01, 99.99}, {0, 99.99}),
         Entry(P::btnResolution, "btnResolution", 506, 80, E::OPT),
         Entry(P::txtBurnOutWaitTime, "txtBurnOutWaitTime", 507, 81, E::INT).range(0, 999),
         Entry(P::btnAT_Button, "btnAT_Button", 508, 82, E::OPT),
-        Entry(P::txtTempSV_Range, "txtTempSV_Range", 502, 83, E::T100).pair().range(-100, 200),
-        Entry(P::txtHumiSV_Range, "txtHumiSV_Range", 504, 85, E::H100).pair().range(0, 100),
+        Entry(P::txtTempSV_Range, "txtTempSV_Range", 502, 83, E::T100).pair().fields(kTempHigh, kTempLow),
+        Entry(P::txtHumiSV_Range, "txtHumiSV_Range", 504, 85, E::H100).pair().fields({0.1, 100}, {0, 99.9}),
 
         // Control outputs.
         Entry(P::btnTempOutType, "btnTempOutType", 72, 54, E::OPT),
         Entry(P::txtTempOutPeriod, "txtTempOutPeriod", 73, 55, E::INT).range(1, 1000),
         Entry(P::btnTempOutDirect, "btnTempOutDirect", 74, 56, E::OPT),
-        Entry(P::txtTempOutV, "txtTempOutV", 75, 57, E::LIM).pair().range(-5, 105),
+        Entry(P::txtTempOutV, "txtTempOutV", 75, 57, E::LIM).pair().fields(kLimitHigh, kLimitLow),
         Entry(P::btnRetTempOut, "btnRetTempOut", 77, 68, E::OPT),
-        Entry(P::txtRetTempRange, "txtRetTempRange", 78, 69, E::T100).pair().range(-100, 200),
+        Entry(P::txtRetTempRange, "txtRetTempRange", 78, 69, E::T100).pair().fields(kTempHigh, kTempLow),
         Entry(P::btnTRet_SBOut, "btnTRet_SBOut", 80, 250, E::OPT),
         Entry(P::txtTempOutBias, "txtTempOutBias", 81, 249, E::OFS).range(-20, 20),
         Entry(P::txtAdjustY_RetT, "txtAdjustY_RetT", 82, 481, E::REV).family(1, 3).range(-196.5, 266.4),
@@ -112,9 +133,9 @@ QList<ParamInfo> buildTable()
         Entry(P::btnHumiOutType, "btnHumiOutType", 88, 61, E::OPT),
         Entry(P::txtHumiOutPeriod, "txtHumiOutPeriod", 89, 62, E::INT).range(1, 1000),
         Entry(P::btnHumiOutDirect, "btnHumiOutDirect", 90, 63, E::OPT),
-        Entry(P::txtHumiOutV, "txtHumiOutV", 91, 64, E::LIM).pair().range(-5, 105),
+        Entry(P::txtHumiOutV, "txtHumiOutV", 91, 64, E::LIM).pair().fields(kLimitHigh, kLimitLow),
         Entry(P::btnRetHumiOut, "btnRetHumiOut", 93, 71, E::OPT),
-        Entry(P::txtRetHumiRange, "txtRetHumiRange", 94, 72, E::X10).pair().range(0, 100),
+        Entry(P::txtRetHumiRange, "txtRetHumiRange", 94, 72, E::X10).pair().fields({0.1, 100}, {0, 99.99}),
         Entry(P::btnHRet_SBOut, "btnHRet_SBOut", 96, 252, E::OPT),
         Entry(P::txtHumiOutBias, "txtHumiOutBias", 97, 251, E::OFS).range(-20, 20),
         Entry(P::txtAdjustY_RetH, "txtAdjustY_RetH", 98, 487, E::REV).family(1, 3).range(-5, 105),
@@ -312,7 +333,7 @@ QString paramName(Param p)
 
 bool IsCurrentLayout(double firmwareVersion)
 {
-    return firmwareVersion >= 2.2;
+    return Firmware::atLeast(firmwareVersion, Firmware::CurrentLayout);
 }
 
 int RowOf(ParamRef ref, double firmwareVersion)
@@ -329,7 +350,8 @@ int RowOf(ParamRef ref, double firmwareVersion)
 
 Encoding encodingOf(ParamRef ref, double v)
 {
-    const bool from231 = v >= 2.31;
+    const bool from231 = Firmware::atLeast(v, Firmware::TenthValues);
+    const bool doValues = Firmware::atLeast(v, Firmware::DigitalOutputValues);
     switch (ref.param) {
     case Param::sprdSystem_SV:
         // Legacy firmware is below 2.31 as well, so its row is always AL100.
@@ -362,8 +384,8 @@ Encoding encodingOf(ParamRef ref, double v)
         }
     case Param::sprdDO2_Value:
         switch (ref.i) {
-        case 41: return v < 2.4 ? Encoding::AL10 : Encoding::X10; // x10 + 3000 below 2.4
-        case 44: return v < 2.4 ? Encoding::TZ : Encoding::X10;   // x10 + 1000 below 2.4
+        case 41: return doValues ? Encoding::X10 : Encoding::AL10; // x10 + 3000 before the D/O values
+        case 44: return doValues ? Encoding::X10 : Encoding::TZ;   // x10 + 1000 before the D/O values
         case 42: case 45: return Encoding::NEG10;                  // soak values
         case 43: case 46: return Encoding::X10;
         default: return Encoding::INT;
@@ -384,6 +406,18 @@ std::optional<ParamBounds> ParamRange(ParamRef ref, double)
     const ParamInfo &info = paramInfo(ref.param);
     if (!info.hasRange)
         return std::nullopt;
+    if (info.fieldBounds)
+        return ref.i == 1 ? info.highField : info.lowField;
+    if (ref.i == kOnOffHumidityLine) {
+        switch (ref.param) {
+        case Param::txtT_LSV: case Param::txtT_MSV: case Param::txtT_HSV:
+            return kOnOffHumidityValue;
+        case Param::txtT_Lu: case Param::txtT_Hd:
+            return kOnOffHumidityDifference;
+        default:
+            break;
+        }
+    }
     return ParamBounds{info.low, info.high};
 }
 
@@ -445,12 +479,27 @@ int WireAddressPlus(int row, bool modbus)
     return modbus ? 40612 + row : row;
 }
 
-int ParamWireAddress(ParamRef ref, double firmwareVersion, bool modbus)
+int WriteRowOf(ParamRef ref, double firmwareVersion, RowAddressing addressing)
+{
+    if (addressing != RowAddressing::LegacyRow)
+        return RowOf(ref, firmwareVersion);
+    const ParamInfo &info = paramInfo(ref.param);
+    const int row = rowInLayout(info, ref, info.sameInBothLayouts);
+    if (row <= 0)
+        return 0;
+    if (info.block == UpBlock::Up && row > ControllerImage::upRowsFor(firmwareVersion))
+        return 0;
+    return row;
+}
+
+int ParamWireAddress(ParamRef ref, double firmwareVersion, bool modbus, RowAddressing addressing)
 {
     const ParamInfo &info = paramInfo(ref.param);
-    const int row = RowOf(ref, firmwareVersion);
+    const int row = WriteRowOf(ref, firmwareVersion, addressing);
     if (row == 0)
         return 0;
+    if (addressing != RowAddressing::Normal)
+        return row;
     if (info.block == UpBlock::UpPlus)
         return WireAddressPlus(row, modbus);
     return WireAddress(row, modbus, info.sameInBothLayouts || IsCurrentLayout(firmwareVersion));

@@ -115,6 +115,12 @@ struct ParamRef {
 // Which table of the image holds a parameter.
 enum class UpBlock { Up, UpPlus };
 
+// A range of screen values, both ends included.
+struct ParamBounds {
+    double low;
+    double high;
+};
+
 struct ParamInfo {
     Param param;
     const char *name;    // the field name, e.g. "txtLPF1"
@@ -123,7 +129,9 @@ struct ParamInfo {
     int legacy;          // the same under the legacy layout, 0 when none
     Encoding encoding;   // at the newest firmware; encodingOf() tells the others
     bool hasRange;
-    double low, high;    // the range a page accepts, when stated
+    double low, high;    // the range a page accepts, when stated (of both fields of a pair)
+    bool fieldBounds;    // a pair whose high and low field have bounds of their own:
+    ParamBounds highField, lowField; // so that the high field can stay above the low one
     int iFirst, iLast, iStep; // family index: row = base + iStep x (i - iFirst)
     int kFirst, kLast, kStep; // second index, added the same way
     bool sameInBothLayouts; // run settings: no version test, Modbus offset always applies
@@ -154,11 +162,10 @@ Encoding encodingOf(ParamRef ref, double firmwareVersion);
 inline Encoding encodingOf(Param p, int i, double firmwareVersion) { return encodingOf(ParamRef(p, i), firmwareVersion); }
 inline Encoding encodingOf(Param p, int i, int k, double firmwareVersion) { return encodingOf(ParamRef(p, i, k), firmwareVersion); }
 
-// The range a page accepts for a parameter at a firmware, if one is stated.
-struct ParamBounds {
-    double low;
-    double high;
-};
+// The range a page accepts for a parameter at a firmware, if one is stated:
+// for the high and the low field of a pair each its own (the high field
+// cannot reach the low field's lowest value, nor the low field the high
+// field's highest), for the humidity line of the ON/OFF table its smaller one.
 std::optional<ParamBounds> ParamRange(ParamRef ref, double firmwareVersion);
 
 // Which parameter a row holds at a firmware, if any (sprdUP rows only).
@@ -180,9 +187,23 @@ bool WritePlusRowText(ControllerImage &image, int row, const QString &text);
 int WireAddress(int row, bool modbus, bool currentLayout);
 // The address of a sprdUP_PLUS row: 40612 + row in Modbus RTU (88 -> 40700).
 int WireAddressPlus(int row, bool modbus);
+// How a write reaches its row. A few fields of the pages are written on
+// purpose otherwise than they are read:
+//  - Normal: the row by the version test, at its wire address;
+//  - PlainRow: the row by the version test, sent as the plain row number in
+//    every protocol (no Modbus register offset);
+//  - LegacyRow: the legacy layout's row whatever the firmware, sent as the
+//    plain row number in every protocol.
+enum class RowAddressing { Normal, PlainRow, LegacyRow };
+
+// The row a write goes to: RowOf() but for LegacyRow, which takes the legacy
+// row (0 when it lies beyond the firmware's rows).
+int WriteRowOf(ParamRef ref, double firmwareVersion, RowAddressing addressing);
+
 // The address of a parameter at a firmware: its row, its table and the rules
 // above together. 0 when the parameter has no row there.
-int ParamWireAddress(ParamRef ref, double firmwareVersion, bool modbus);
+int ParamWireAddress(ParamRef ref, double firmwareVersion, bool modbus,
+                     RowAddressing addressing = RowAddressing::Normal);
 
 // The screen text of a parameter read from the image: its row's word decoded
 // by its encoding at the image's firmware, with the image's display

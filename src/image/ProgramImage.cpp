@@ -1,6 +1,7 @@
 #include "ProgramImage.h"
 #include "ControllerImage.h"
 #include "Files.h"
+#include "Firmware.h"
 #include <QFile>
 #include <algorithm>
 
@@ -12,7 +13,7 @@ Encoding programEncoding(ProgramValue kind, double firmwareVersion)
     case ProgramValue::StartTemp:
         return Encoding::TZ;
     case ProgramValue::AlarmSV:
-        return firmwareVersion >= 2.31 ? Encoding::AL10 : Encoding::AL100;
+        return Firmware::atLeast(firmwareVersion, Firmware::TenthValues) ? Encoding::AL10 : Encoding::AL100;
     case ProgramValue::SegHumiSV:
     case ProgramValue::WaitBand:
     case ProgramValue::StartHumi:

@@ -18,7 +18,7 @@ EntryBinding::EntryBinding(EntryField *field, QObject *parent) : QObject(parent)
 {
     m_old = field->text();
     connect(field, &QLineEdit::textEdited, this, [this] { *m_flag = true; });
-    connect(field, &EntryField::left, this, [this] { clamp(); });
+    connect(field, &EntryField::left, this, [this] { leave(); });
     connect(field, &QLineEdit::returnPressed, this, [this] { commit(); });
 }
 
@@ -61,9 +61,16 @@ bool EntryBinding::clamp()
     return true;
 }
 
+void EntryBinding::leave()
+{
+    if (m_clampAt == ClampAt::LeaveAndEnter)
+        clamp();
+}
+
 void EntryBinding::commit()
 {
-    clamp();
+    if (m_clampAt != ClampAt::Never)
+        clamp();
     *m_flag = false;
     // The commit may revert the field to m_old; what stands afterwards is
     // the text before the next edit.

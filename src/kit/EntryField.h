@@ -38,6 +38,10 @@ public:
         QString pattern; // "0", "0.0" ...; empty: the shortest plain number
     };
     using RangeOf = std::function<std::optional<Range>()>;
+    // When the range is applied: on leaving and on Enter (the usual field),
+    // on Enter only (fields whose commit does the clamp), or never (fields
+    // whose commit refuses a value outside instead of clamping it).
+    enum class ClampAt { LeaveAndEnter, Enter, Never };
     using Commit = std::function<void(const QString &oldText, const QString &newText)>;
 
     EntryBinding(EntryField *field, QObject *parent);
@@ -45,6 +49,7 @@ public:
     EntryField *field() const { return m_field; }
     void setRange(const Range &range);
     void setRange(RangeOf range); // worked out at each clamp (bounds that follow the firmware)
+    void setClampAt(ClampAt when) { m_clampAt = when; }
     void onCommit(Commit commit) { m_commit = std::move(commit); }
     // Two fields that show one value share one edit flag.
     void shareFlagWith(const EntryBinding &other) { m_flag = other.m_flag; }
@@ -58,14 +63,16 @@ public:
     // Puts the text back to the one before the edit.
     void revert();
 
-    // The clamp of leaving the field; true when the text changed.
+    // The clamp to the range; true when the text changed.
     bool clamp();
 
 private:
+    void leave();
     void commit();
 
     EntryField *m_field;
     RangeOf m_range;
+    ClampAt m_clampAt = ClampAt::LeaveAndEnter;
     Commit m_commit;
     std::shared_ptr<bool> m_flag = std::make_shared<bool>(false);
     QString m_old;

@@ -37,7 +37,11 @@ void OptionGroup::load()
         colour(-1);
         return;
     }
-    colour(int(words().indexOf(int(t.number(1, row)))));
+    const qint64 word = t.number(1, row);
+    if (m_indexOf)
+        colour(m_indexOf(word));
+    else
+        colour(word < 0 ? -1 : int(words().indexOf(int(word))));
 }
 
 int OptionGroup::selected() const
@@ -51,7 +55,7 @@ int OptionGroup::selected() const
 void OptionGroup::choose(int index)
 {
     const QList<int> w = words();
-    if (index < 0 || index >= w.size())
+    if (index < 0 || index >= w.size() || w[index] < 0)
         return;
     colour(index);
     m_ctx.requests().writeParameter(m_ref, quint16(w[index]));
@@ -72,7 +76,7 @@ EntryBinding *PageBinder::field(EntryField *edit, ParamRef ref)
 EntryBinding *PageBinder::field(EntryField *edit, Which which)
 {
     auto *binding = new EntryBinding(edit, this);
-    m_fields.push_back({binding, std::move(which), std::nullopt});
+    m_fields.push_back({binding, std::move(which), {}});
     binding->setRange([this, binding]() -> std::optional<EntryBinding::Range> {
         const Field *f = find(binding);
         return f ? rangeOf(*f) : std::nullopt;
@@ -86,8 +90,25 @@ EntryBinding *PageBinder::field(EntryField *edit, Which which)
 
 void PageBinder::setRange(EntryBinding *binding, const EntryBinding::Range &range)
 {
+    setRange(binding, [range] { return std::optional<EntryBinding::Range>(range); });
+}
+
+void PageBinder::setRange(EntryBinding *binding, EntryBinding::RangeOf range)
+{
     if (Field *f = find(binding))
-        f->range = range;
+        f->range = std::move(range);
+}
+
+void PageBinder::check(EntryBinding *binding, std::function<bool(double)> accept)
+{
+    if (Field *f = find(binding))
+        f->checks.push_back(std::move(accept));
+}
+
+void PageBinder::setAddressing(EntryBinding *binding, RowAddressing addressing)
+{
+    if (Field *f = find(binding))
+        f->addressing = addressing;
 }
 
 void PageBinder::pair(EntryBinding *high, EntryBinding *low)
@@ -109,6 +130,13 @@ OptionGroup *PageBinder::options(ParamRef ref, QList<QAbstractButton *> buttons,
     connect(group, &OptionGroup::chosen, this, [this] { runRules(); });
     m_groups << group;
     return group;
+}
+
+ParamTable *PageBinder::table(QTableWidget *widget, ParamTable::CellParam cellParam)
+{
+    auto *t = new ParamTable(m_ctx, widget, std::move(cellParam), this);
+    m_tables << t;
+    return t;
 }
 
 PageBinder::Field *PageBinder::find(const EntryBinding *binding)
@@ -142,9 +170,9 @@ std::optional<EntryBinding::Range> PageBinder::rangeOf(const Field &f) const
     const double version = image.firmwareVersion();
     const QString pattern = screenPattern(encodingOf(*ref, version), image.tempDecimals());
     if (f.range) {
-        EntryBinding::Range r = *f.range;
-        if (r.pattern.isEmpty())
-            r.pattern = pattern;
+        std::optional<EntryBinding::Range> r = f.range();
+        if (r && r->pattern.isEmpty())
+            r->pattern = pattern;
         return r;
     }
     if (const auto bounds = ParamRange(*ref, version))
@@ -155,11 +183,13 @@ std::optional<EntryBinding::Range> PageBinder::rangeOf(const Field &f) const
 void PageBinder::load()
 {
     const ControllerImage &image = m_ctx.state.image;
+    for (OptionGroup *g : m_groups)
+        g->load();
     for (Field &f : m_fields)
         if (const auto ref = f.which())
             f.binding->show(ParamText(image, *ref));
-    for (OptionGroup *g : m_groups)
-        g->load();
+    for (ParamTable *t : m_tables)
+        t->load();
     runRules();
 }
 
@@ -168,19 +198,26 @@ void PageBinder::commit(Field &f, const QString &oldText, const QString &newText
     const std::optional<ParamRef> ref = f.which();
     if (!ref)
         return;
-    QString text = newText;
+    bool refused = false;
     if (f.partner) {
         const double mine = leadingNumber(newText);
         const double other = leadingNumber(f.partner->field()->text());
         const double high = f.high ? mine : other;
         const double low = f.high ? other : mine;
-        if (high <= low) {
-            f.binding->revert();
-            text = oldText;
-        }
+        refused = high <= low;
     }
-    const Encoding e = encodingOf(*ref, m_ctx.state.FirmwareVersion());
-    m_ctx.requests().writeParameter(*ref, wordFromText(e, text), scaledValueText(e, text));
+    const double value = leadingNumber(newText);
+    for (const auto &accept : f.checks)
+        refused = refused || !accept(value);
+    if (refused)
+        f.binding->revert();
+    const QString text = refused ? oldText : newText;
+    // A refused value is written again as it was; a field never loaded has
+    // nothing to write again.
+    if (!(refused && text.isEmpty())) {
+        const Encoding e = encodingOf(*ref, m_ctx.state.FirmwareVersion());
+        m_ctx.requests().writeParameter(*ref, wordFromText(e, text), scaledValueText(e, text), f.addressing);
+    }
     runRules();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 #include "Dictionary.h"
 #include "EntryField.h"
+#include "ParamTable.h"
 #include <QList>
 #include <QObject>
 #include <functional>
@@ -8,12 +9,14 @@
 #include <vector>
 
 class QAbstractButton;
+class QTableWidget;
 struct ScreenContext;
 
 // A group of option buttons bound to one parameter row. Each button stands
 // for a word, which may differ between the layouts (legacy 0 and 1, current
-// 1 and 2). The group's state is its colours: the chosen button has the
-// colour 65280, the others the face colour, and selected() reads that back.
+// 1 and 2); a negative word: the button has no word in that layout and its
+// click does nothing. The group's state is its colours: the chosen button has
+// the colour 65280, the others the face colour, and selected() reads that back.
 class OptionGroup : public QObject {
     Q_OBJECT
 public:
@@ -23,6 +26,10 @@ public:
     // Colours the button of the row's word; a word that fits no button, or a
     // row not read yet, leaves every button in the face colour.
     void load();
+    // Which button a word of the row chooses, where it is not simply the
+    // button of that word (any word above 0 standing for one button, a word
+    // out of range for the last): the button's index, -1 for none.
+    void setIndexOfWord(std::function<int(qint64 word)> indexOf) { m_indexOf = std::move(indexOf); }
     // The index of the chosen button by its colour, -1 when none is.
     int selected() const;
     // As the operator's click: colours, stores the word, writes the row.
@@ -43,6 +50,7 @@ private:
     QList<QAbstractButton *> m_buttons;
     QList<int> m_current;
     QList<int> m_legacy;
+    std::function<int(qint64)> m_indexOf;
 };
 
 // The fields of a parameter page bound to the parameters of the dictionary.
@@ -56,6 +64,7 @@ private:
 //
 // A high/low pair keeps the high value above the low one: a commit that would
 // break it takes back the edited field's old text, which is written again.
+// A page's own relation checks (points that must rise) work the same way.
 //
 // The page's own rules (fields enabled by another row, rows that follow a
 // mode) run after every load and every change through onChange().
@@ -72,15 +81,28 @@ public:
     // voltage row of an offset), asked at each load and commit; none: the
     // field is left alone.
     EntryBinding *field(EntryField *edit, Which which);
-    // Narrower bounds than the dictionary's, or a range where it has none.
+    // Narrower bounds than the dictionary's, or a range where it has none;
+    // an empty pattern takes the encoding's.
     void setRange(EntryBinding *field, const EntryBinding::Range &range);
+    // Bounds worked out at each clamp: bounds that follow another field.
+    void setRange(EntryBinding *field, EntryBinding::RangeOf range);
     // The high (index 1) and low (index 0) field of a pair.
     void pair(EntryBinding *high, EntryBinding *low);
+    // A relation check of the commit: a value it refuses takes back the
+    // field's old text, which is written again.
+    void check(EntryBinding *field, std::function<bool(double value)> accept);
+    // A field written on purpose otherwise than it is read (see RowAddressing).
+    void setAddressing(EntryBinding *field, RowAddressing addressing);
 
     OptionGroup *options(ParamRef ref, QList<QAbstractButton *> buttons, QList<int> currentWords,
                          QList<int> legacyWords = {});
 
-    // Every field and option group from the image, then the page's rules.
+    // A table whose cells are bound to parameters (see ParamTable).
+    ParamTable *table(QTableWidget *table, ParamTable::CellParam cellParam);
+
+    // Every option group, then every field and table from the image (so a
+    // field that follows a mode can read the group's colours), then the
+    // page's rules.
     void load();
     void onChange(std::function<void()> rule) { m_rules.push_back(std::move(rule)); }
 
@@ -91,9 +113,11 @@ private:
     struct Field {
         EntryBinding *binding;
         Which which;
-        std::optional<EntryBinding::Range> range;
+        EntryBinding::RangeOf range;
         EntryBinding *partner = nullptr; // the other field of a pair
         bool high = false;
+        std::vector<std::function<bool(double)>> checks;
+        RowAddressing addressing = RowAddressing::Normal;
     };
     Field *find(const EntryBinding *binding);
     const Field *find(const EntryBinding *binding) const;
@@ -104,5 +128,6 @@ private:
     ScreenContext &m_ctx;
     std::vector<Field> m_fields;
     QList<OptionGroup *> m_groups;
+    QList<ParamTable *> m_tables;
     std::vector<std::function<void()>> m_rules;
 };

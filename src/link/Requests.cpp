@@ -34,11 +34,16 @@ void Requests::writeRunWord(int row, quint16 word)
     post(Cmd::WriteRunWord, m_s.Modbus() ? 40000 + row : row, word);
 }
 
-bool Requests::writeParameter(ParamRef ref, quint16 word, const QString &cellText)
+bool Requests::underway(Cmd::State kind) const
+{
+    return m_s.ReqCmd == kind || m_s.CmdState == kind;
+}
+
+bool Requests::writeParameter(ParamRef ref, quint16 word, const QString &cellText, RowAddressing addressing)
 {
     const double version = m_s.FirmwareVersion();
-    const int row = RowOf(ref, version);
-    const int address = ParamWireAddress(ref, version, m_s.Modbus());
+    const int row = WriteRowOf(ref, version, addressing);
+    const int address = ParamWireAddress(ref, version, m_s.Modbus(), addressing);
     if (row == 0 || address == 0)
         return false;
     const QString text = cellText.isEmpty() ? QString::number(word) : cellText;

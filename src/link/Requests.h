@@ -102,6 +102,11 @@ class Requests {
 public:
     explicit Requests(ConsoleState &state) : m_s(state) {}
 
+    // True while a request of this kind waits in the mailbox or its chain
+    // runs: a screen that writes in steps posts the next one when the
+    // previous is through, since a new request would cut a chain short.
+    bool underway(Cmd::State kind) const;
+
     // Ends whatever transfer runs; polling resumes.
     void stop();
     // A fresh read of the foreground machine's parameter block.
@@ -113,7 +118,10 @@ public:
     // One parameter: its image cell takes cellText (the word's decimal text
     // when empty) and the row goes to the controller at the parameter's wire
     // address. False, with nothing posted, when the firmware has no such row.
-    bool writeParameter(ParamRef ref, quint16 word, const QString &cellText = {});
+    // A field written on purpose otherwise than it is read names its
+    // addressing (the plain row, or the legacy row, in every protocol).
+    bool writeParameter(ParamRef ref, quint16 word, const QString &cellText = {},
+                        RowAddressing addressing = RowAddressing::Normal);
     // sprdUP rows first to last as the image holds them: one WUP a row in
     // PC Link, one block in Modbus RTU.
     void writeParameterRows(int firstRow, int lastRow);

@@ -1,4 +1,5 @@
 #include "mdlQM730_Protocol.h"
+#include "ControllerImage.h"
 
 namespace pclink {
 
@@ -21,13 +22,7 @@ QByteArray digits3(int n)
 
 int upBlockWords(double v)
 {
-    if (v >= 2.2)
-        return 512;
-    if (v >= 2.09)
-        return 492;
-    if (v >= 1.81)
-        return 456;
-    return 392;
+    return ControllerImage::upRowsFor(v);
 }
 
 // STX, machine, command, then each argument after a ",", then "," and data if

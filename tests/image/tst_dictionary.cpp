@@ -119,6 +119,49 @@ private slots:
         QCOMPARE(ParamWireAddress(Param::txtT_MSV, 2.1, true), 0);
     }
 
+    void boundsOfEachField()
+    {
+        struct Case {
+            ParamRef p;
+            double low, high;
+        };
+        const Case cases[] = {
+            // The high field of a pair cannot reach the low field's lowest value, nor the low one the highest.
+            {{Param::txtScale1, 1}, -99.99, 200}, {{Param::txtScale1, 0}, -100, 199.99},
+            {{Param::txtInputRange2_V, 1}, -99.99, 200}, {{Param::txtInputRange1_RTD, 0}, -100, 199.99},
+            {{Param::txtScale2, 1}, 0.1, 100}, {{Param::txtScale2, 0}, 0, 99.9},
+            {{Param::txtDryTemp_Range, 1}, 0.01, 99.99}, {{Param::txtDryTemp_Range, 0}, 0, 99.99},
+            {{Param::txtHumiSV_Range, 1}, 0.1, 100}, {{Param::txtHumiSV_Range, 0}, 0, 99.9},
+            {{Param::txtTempOutV, 1}, -4.98, 105}, {{Param::txtHumiOutV, 0}, -5, 104.99},
+            {{Param::txtRetHumiRange, 1}, 0.1, 100}, {{Param::txtRetHumiRange, 0}, 0, 99.99},
+            {{Param::txtRetTempRange, 1}, -99.99, 200},
+            // The humidity line of the ON/OFF table has the smaller ranges.
+            {{Param::txtT_LSV, 4}, -100, 200}, {{Param::txtT_LSV, 5}, 0, 100}, {{Param::txtT_HSV, 5}, 0, 100},
+            {{Param::txtT_Lu, 1}, 0, 300}, {{Param::txtT_Hd, 5}, 0, 100},
+            {Param::txtLPF2, 2, 180}, {Param::txtTempOutBias, -20, 20},
+        };
+        for (const Case &c : cases) {
+            const auto r = ParamRange(c.p, 2.31);
+            QVERIFY2(r && r->low == c.low && r->high == c.high,
+                     qPrintable(QStringLiteral("%1(%2)").arg(paramName(c.p.param)).arg(c.p.i)));
+        }
+        QVERIFY(!ParamRange(Param::btnSensorType1, 2.31));
+    }
+
+    void writesOutsideTheNormalAddressing()
+    {
+        // The temperature output period: its row by the version test, plain in every protocol.
+        QCOMPARE(ParamWireAddress(Param::txtTempOutPeriod, 2.31, true, RowAddressing::PlainRow), 73);
+        QCOMPARE(ParamWireAddress(Param::txtTempOutPeriod, 2.1, true, RowAddressing::PlainRow), 55);
+        // The offsets: the legacy row whatever the firmware.
+        QCOMPARE(WriteRowOf(Param::txtBias2_V, 2.31, RowAddressing::LegacyRow), 48);
+        QCOMPARE(ParamWireAddress(Param::txtTempOutBias, 2.31, true, RowAddressing::LegacyRow), 249);
+        QCOMPARE(ParamWireAddress(Param::txtTempOutBias, 1.5, false, RowAddressing::LegacyRow), 249);
+        QCOMPARE(WriteRowOf({Param::txtAdjustX_T, 1}, 2.31, RowAddressing::LegacyRow), 463);
+        QCOMPARE(WriteRowOf({Param::txtAdjustX_T, 1}, 2.08, RowAddressing::LegacyRow), 0); // beyond 456 rows
+        QCOMPARE(WriteRowOf(Param::txtTempOutBias, 2.31, RowAddressing::Normal), 81);
+    }
+
     void readAndWriteRows()
     {
         ControllerImage image;

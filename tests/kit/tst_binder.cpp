@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QPushButton>
+#include <QTableWidget>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -211,6 +212,149 @@ private slots:
         p.s.image.applyFirmware(2.31); // the current layout has its own words and row
         QTest::mouseClick(buttons[1], Qt::LeftButton);
         QCOMPARE(p.mail(), (QList<int>{102, 40146, 2}));
+    }
+
+    void fieldsClampWhenTheirPageSays()
+    {
+        Page p;
+        EntryField *filter = p.edit("txtLPF1");
+        EntryField *point = p.edit("txtAdjustX");
+        p.binder.field(filter, Param::txtLPF1)->setClampAt(EntryBinding::ClampAt::Enter);
+        p.binder.field(point, {Param::txtAdjustX_T, 1})->setClampAt(EntryBinding::ClampAt::Never);
+        p.type(filter, "1");
+        leave(filter);
+        QCOMPARE(filter->text(), QStringLiteral("1")); // leaving leaves it
+        QTest::keyClick(filter, Qt::Key_Return);
+        QCOMPARE(filter->text(), QStringLiteral("2"));
+        QCOMPARE(p.mail(), (QList<int>{102, 25, 2}));
+        p.enter(point, "300"); // REV: 300 x 10 + 2000, not clamped to 266.4
+        QCOMPARE(point->text(), QStringLiteral("300"));
+        QCOMPARE(p.mail(), (QList<int>{102, 40, 5000}));
+    }
+
+    void aRangeCanFollowAnotherField()
+    {
+        Page p;
+        EntryField *first = p.edit("txtTempZone");
+        EntryField *second = p.edit("txtTempZone");
+        p.binder.field(first, {Param::txtTempZone, 1});
+        EntryBinding *b = p.binder.field(second, {Param::txtTempZone, 2});
+        p.binder.setRange(b, [first]() -> std::optional<EntryBinding::Range> {
+            return EntryBinding::Range{first->text().toDouble(), 200, {}};
+        });
+        first->setText(QStringLiteral("50.0"));
+        p.enter(second, "20");
+        QCOMPARE(second->text(), QStringLiteral("50.0")); // the encoding's pattern
+        QCOMPARE(p.mail(), (QList<int>{102, 299, 1500}));
+        first->setText(QStringLiteral("10.0"));
+        p.enter(second, "20");
+        QCOMPARE(p.mail(), (QList<int>{102, 299, 1200}));
+    }
+
+    void aCheckRefusesAValueAndTheOldOneIsWrittenAgain()
+    {
+        Page p;
+        EntryField *point = p.edit("txtAdjustY");
+        EntryBinding *b = p.binder.field(point, {Param::txtAdjustY_T, 2});
+        p.binder.check(b, [](double v) { return v > 0 && v < 50; });
+        p.up({Param::txtAdjustY_T, 2}, 2200); // 20
+        p.binder.load();
+        p.enter(point, "60");
+        QCOMPARE(point->text(), QStringLiteral("20"));
+        QCOMPARE(p.mail(), (QList<int>{102, 35, 2200}));
+        p.enter(point, "25.5");
+        QCOMPARE(p.mail(), (QList<int>{102, 35, 2255}));
+        // A field never loaded has nothing to write again.
+        EntryField *empty = p.edit("txtAdjustY");
+        p.binder.check(p.binder.field(empty, {Param::txtAdjustY_T, 3}), [](double) { return false; });
+        p.s.ReqCmd = 0;
+        p.enter(empty, "5");
+        QCOMPARE(empty->text(), QString());
+        QCOMPARE(p.s.ReqCmd, 0);
+    }
+
+    void aFieldCanBeWrittenOtherwiseThanItIsRead_data()
+    {
+        QTest::addColumn<double>("firmware");
+        QTest::addColumn<QString>("protocol");
+        QTest::addColumn<int>("addressing");
+        QTest::addColumn<int>("address");
+        QTest::newRow("plain row, current, Modbus") << 2.31 << "Modbus RTU" << int(RowAddressing::PlainRow) << 73;
+        QTest::newRow("plain row, legacy, Modbus") << 2.1 << "Modbus RTU" << int(RowAddressing::PlainRow) << 55;
+        QTest::newRow("normal, current, Modbus") << 2.31 << "Modbus RTU" << int(RowAddressing::Normal) << 40173;
+        QTest::newRow("legacy row, current, Modbus") << 2.31 << "Modbus RTU" << int(RowAddressing::LegacyRow) << 55;
+        QTest::newRow("legacy row, current, PC Link") << 2.31 << "PC Link" << int(RowAddressing::LegacyRow) << 55;
+    }
+    void aFieldCanBeWrittenOtherwiseThanItIsRead()
+    {
+        QFETCH(double, firmware);
+        QFETCH(QString, protocol);
+        QFETCH(int, addressing);
+        QFETCH(int, address);
+        Page p(firmware, protocol);
+        EntryField *period = p.edit("txtTempOutPeriod");
+        EntryBinding *b = p.binder.field(period, Param::txtTempOutPeriod);
+        p.binder.setAddressing(b, RowAddressing(addressing));
+        p.up(Param::txtTempOutPeriod, 4);
+        p.binder.load();
+        QCOMPARE(period->text(), QStringLiteral("4")); // read from its own row
+        p.enter(period, "9");
+        QCOMPARE(p.mail(), (QList<int>{102, address, 9}));
+        QCOMPARE(p.s.image.sprdUP.text(1, address % 40100), QStringLiteral("9"));
+    }
+
+    void anOptionGroupWithWordsOfItsOwn()
+    {
+        Page p(2.1);
+        QList<QAbstractButton *> buttons{new QPushButton(&p.dialog), new QPushButton(&p.dialog),
+                                         new QPushButton(&p.dialog)};
+        // Legacy: button 0 has no word; 0 is button 1, anything above 0 button 2.
+        OptionGroup *group = p.binder.options(Param::btnSensorType1, buttons, {0, 1, 2}, {-1, 0, 1});
+        group->setIndexOfWord([](qint64 word) { return word == 0 ? 1 : 2; });
+        for (const auto &[word, chosen] : QList<QPair<int, int>>{{0, 1}, {1, 2}, {5, 2}}) {
+            p.up(Param::btnSensorType1, word);
+            p.binder.load();
+            QCOMPARE(group->selected(), chosen);
+        }
+        p.s.ReqCmd = 0;
+        QTest::mouseClick(buttons[0], Qt::LeftButton);
+        QCOMPARE(p.s.ReqCmd, 0);
+        QCOMPARE(group->selected(), 2);
+    }
+
+    void aTableOfParameters()
+    {
+        Page p(2.31, QStringLiteral("Modbus RTU"));
+        QTableWidget table(2, 3, &p.dialog);
+        // Line z is PID zone z; column 3 is not bound.
+        ParamTable *t = p.binder.table(&table, [](int line, int column) {
+            return column <= 2 ? std::optional<ParamRef>(ParamRef(Param::sprdPID, line, column)) : std::nullopt;
+        });
+        QSignalSpy committed(t, &ParamTable::committed);
+        p.up({Param::sprdPID, 2, 1}, 1250); // P, word / 100
+        p.up({Param::sprdPID, 2, 2}, 1205); // I, word / 10
+        p.binder.load();
+        QCOMPARE(table.item(1, 0)->text(), QStringLiteral("12.50"));
+        QCOMPARE(table.item(1, 1)->text(), QStringLiteral("120.5"));
+        QVERIFY(!(table.item(0, 2)->flags() & Qt::ItemIsEditable));
+        QVERIFY(table.item(0, 1)->flags() & Qt::ItemIsEditable);
+
+        table.item(1, 1)->setText(QStringLiteral("90.25")); // as the editor leaves it
+        QCOMPARE(p.mail(), (QList<int>{102, 40100 + RowOf({Param::sprdPID, 2, 2}, 2.31), 902}));
+        QCOMPARE(p.cell({Param::sprdPID, 2, 2}), QStringLiteral("902.5"));
+        QCOMPARE(committed.size(), 1);
+
+        // The refresh leaves the cell being edited alone.
+        table.setCurrentCell(0, 0);
+        table.editItem(table.item(0, 0));
+        p.up({Param::sprdPID, 1, 1}, 700);
+        p.binder.load();
+        QCOMPARE(table.item(0, 0)->text(), QString());
+        QCOMPARE(table.item(1, 1)->text(), QStringLiteral("90.2"));
+        table.setCurrentCell(1, 0); // the editor closes
+        QApplication::processEvents();
+        p.binder.load();
+        QCOMPARE(table.item(0, 0)->text(), QStringLiteral("7.00"));
     }
 
     void aPageTakesTheRefreshOverAndGivesItBack()

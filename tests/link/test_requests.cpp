@@ -74,6 +74,14 @@ private slots:
              [](const ConsoleState &s, bool, bool legacy) {
                  QCOMPARE(s.image.sprdUP.text(1, legacy ? 75 : 295), QStringLiteral("7"));
              }},
+            // Fields written on purpose to the plain row, or the legacy row, in every protocol.
+            {"parameter, plain row",
+             [](Requests r) { r.writeParameter({Param::txtTempOutV, 1}, 10500, {}, RowAddressing::PlainRow); },
+             {{{102, 75, 10500}, {102, 57, 10500}}, {{102, 75, 10500}, {102, 57, 10500}}}},
+            {"parameter, legacy row",
+             [](Requests r) { r.writeParameter(Param::txtBias1_V, 9900, {}, RowAddressing::LegacyRow); },
+             {{{102, 35, 9900}, {102, 35, 9900}}, {{102, 35, 9900}, {102, 35, 9900}}},
+             [](const ConsoleState &s, bool, bool) { QCOMPARE(s.image.sprdUP.text(1, 35), QStringLiteral("9900")); }},
             // Run settings have one row in both layouts, and the register offset in both.
             {"run setting", [](Requests r) { r.writeParameter(Param::txtRun_Minute, 30); },
              {{{102, 3, 30}, {102, 3, 30}}, {{102, 40103, 30}, {102, 40103, 30}}},
@@ -190,6 +198,20 @@ private slots:
                 }
             }
         }
+    }
+
+    void aRequestIsUnderwayUntilItsChainEnds()
+    {
+        auto s = state(true, false);
+        Requests r = s->requests();
+        QVERIFY(!r.underway(Cmd::WriteCurveBlock));
+        r.writeCurveRows(32, 45);
+        QVERIFY(r.underway(Cmd::WriteCurveBlock)); // in the mailbox
+        s->ReqCmd = 0;
+        s->CmdState = Cmd::WriteCurveBlock; // taken by the scheduler
+        QVERIFY(r.underway(Cmd::WriteCurveBlock));
+        s->CmdState = Cmd::Poll;
+        QVERIFY(!r.underway(Cmd::WriteCurveBlock));
     }
 
     void aParameterTheFirmwareLacksPostsNothing()

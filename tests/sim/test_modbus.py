@@ -83,6 +83,25 @@ class Registers(SimCase):
         self.assertEqual(self.sim.word("1 upplus 88"), 1)
         self.assertEqual(self.read(40700, 2), [1, 0])
 
+    def test_curve_blocks_and_plain_row_registers(self):
+        # The current layout's curve block: 14 rows from 40132 (offsets and points).
+        curve = [10000, 10000] + [2000 + 10 * v for v in (-100, -40, 20, 80, 140, 200)] * 2
+        self.write(40132, curve)
+        self.assertEqual([self.sim.word(f"1 up {row}") for row in range(32, 46)], curve)
+        # Fields written as the plain row in every protocol.
+        self.write(73, [9])
+        self.assertEqual(self.sim.word("1 up 73"), 9)
+        self.assertEqual(self.read(40173, 1), [9])
+        # The legacy layout: rows by their plain number, a block as a curve write sends it.
+        points = [2000 + 10 * v for v in (0, 20, 40, 60, 80, 100)] * 2
+        self.write(469, points, slave=5)
+        self.assertEqual([self.sim.word(f"5 up {row}") for row in range(469, 481)], points)
+        self.write(47, [10150], slave=5)
+        self.assertEqual(self.read(47, 1, slave=5), [10150])
+        self.assertEqual(self.read(40147, 1, slave=5), [10150])
+        # Past the legacy block's 492 rows there is no plain row.
+        self.assertEqual(self.client.write_registers(493, [1], slave=5).exception_code, 2)
+
     def test_text_rows(self):
         names = self.read(42001, 120)
         self.assertEqual(len(names), 8 * 15)
