@@ -554,8 +554,17 @@ void Controller::pinRcv(int row, std::optional<quint16> value)
 
 // ---------------------------------------------------------------- Modbus map
 
+// A controller of the legacy layout takes its parameter rows by their plain
+// numbers as registers as well, the way the console addresses them there.
+bool Controller::legacyRowRegister(int reg) const
+{
+    return !m_fw.currentLayout() && reg >= 1 && reg <= upRows();
+}
+
 std::optional<quint16> Controller::readRegister(int reg) const
 {
+    if (legacyRowRegister(reg))
+        return word(reg);
     if (reg == RegIdentity)
         return IdentityModel;
     if (reg == RegIdentity + 1)
@@ -581,14 +590,16 @@ std::optional<quint16> Controller::readRegister(int reg) const
 
 bool Controller::canWriteRegister(int reg) const
 {
-    return (reg >= RegRrp && reg < RegRrp + RrpRows) || (reg >= RegUp && reg <= RegUpPlus89)
+    return legacyRowRegister(reg) || (reg >= RegRrp && reg < RegRrp + RrpRows) || (reg >= RegUp && reg <= RegUpPlus89)
         || textRegister(reg).has_value()
         || (reg >= RegPattern && reg < RegPattern + PatternWords * patternCount());
 }
 
 void Controller::writeRegister(int reg, quint16 value)
 {
-    if (reg >= RegRrp && reg < RegRrp + RrpRows) {
+    if (legacyRowRegister(reg)) {
+        setUp(reg, value);
+    } else if (reg >= RegRrp && reg < RegRrp + RrpRows) {
         setRrp(reg - RegRrp + 1, value);
     } else if (reg == RegUpPlus88 || reg == RegUpPlus89) {
         setUpPlus(reg - RegUpPlus88 + 88, value);

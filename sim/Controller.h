@@ -108,6 +108,7 @@ private:
         int tempSvHigh, tempSvLow, humiSvHigh, humiSvLow;
     };
 
+    bool legacyRowRegister(int reg) const;
     void loadFactory(const ControllerSetup &setup);
     void loadExamplePrograms();
     void put(int currentRow, int legacyRow, quint16 value);
