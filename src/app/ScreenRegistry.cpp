@@ -2,6 +2,14 @@
 #include "ConsoleState.h"
 #include "Recorder.h"
 #include "ScreenContext.h"
+#include "frmQM730Func_GrpSave.h"
+#include "frmQM730Func_Run.h"
+#include "frmQM730SYS_Alarm.h"
+#include "frmQM730SYS_Comm.h"
+#include "frmQM730SYS_DI.h"
+#include "frmQM730SYS_DO.h"
+#include "frmQM730SYS_ETC.h"
+#include "frmQM730SYS_InnerNew.h"
 #include "frmQM730_About.h"
 #include "frmQM730_History.h"
 #include "frmQM730_RunSimple.h"
@@ -67,8 +75,8 @@ ScreenRegistry ScreenRegistry::console()
         {"frmQM730Prg_Managemen", Nothing, {}},
         {"frmQM730_PTN_Recv", Nothing, {}},
         // Run settings.
-        {"frmQM730Func_Run", refresh, {}},
-        {"frmQM730Func_GrpSave", refresh, {}},
+        {"frmQM730Func_Run", refresh, make<frmQM730Func_Run>()},
+        {"frmQM730Func_GrpSave", refresh, make<frmQM730Func_GrpSave>()},
         // System pages.
         {"frmQM730SYS_Sensor", refresh, make<frmQM730SYS_Sensor>()},
         {"frmQM730SYS_Sensor_RevisionT", Nothing, make<frmQM730SYS_Sensor_RevisionT>()},
@@ -76,15 +84,15 @@ ScreenRegistry ScreenRegistry::console()
         {"frmQM730SYS_Control", refresh, make<frmQM730SYS_Control>()},
         {"frmQM730SYS_Control_RevisionT", Nothing, make<frmQM730SYS_Control_RevisionT>()},
         {"frmQM730SYS_Control_RevisionH", Nothing, make<frmQM730SYS_Control_RevisionH>()},
-        {"frmQM730SYS_InnerNew", refresh, {}},
-        {"frmQM730SYS_Alarm", refresh, {}},
+        {"frmQM730SYS_InnerNew", refresh, make<frmQM730SYS_InnerNew>()},
+        {"frmQM730SYS_Alarm", refresh, make<frmQM730SYS_Alarm>()},
         {"frmSys_AlarmCode", Nothing, make<frmSys_AlarmCode>()},
         {"frmQM730SYS_PID", refresh, make<frmQM730SYS_PID>()},
         {"frmQM730SYS_PID_Val", Nothing, make<frmQM730SYS_PID_Val>()},
-        {"frmQM730SYS_DI", refresh, {}},
-        {"frmQM730SYS_DO", refresh, {}},
-        {"frmQM730SYS_Comm", refresh, {}},
-        {"frmQM730SYS_ETC", refresh, {}},
+        {"frmQM730SYS_DI", refresh, make<frmQM730SYS_DI>()},
+        {"frmQM730SYS_DO", refresh, make<frmQM730SYS_DO>()},
+        {"frmQM730SYS_Comm", refresh, make<frmQM730SYS_Comm>()},
+        {"frmQM730SYS_ETC", refresh, make<frmQM730SYS_ETC>()},
         // Help.
         {"frmQM730_About", Nothing, make<frmQM730_About>()},
         {"frmQM730_History", Nothing, make<frmQM730_History>()},

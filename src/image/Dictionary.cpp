@@ -505,14 +505,21 @@ int ParamWireAddress(ParamRef ref, double firmwareVersion, bool modbus, RowAddre
     return WireAddress(row, modbus, info.sameInBothLayouts || IsCurrentLayout(firmwareVersion));
 }
 
-QString ParamText(const ControllerImage &image, ParamRef ref)
+std::optional<qint64> ParamWord(const ControllerImage &image, ParamRef ref)
 {
-    const double v = image.firmwareVersion();
-    const int row = RowOf(ref, v);
+    const int row = RowOf(ref, image.firmwareVersion());
     if (row == 0)
-        return {};
+        return std::nullopt;
     const TextTable &t = paramInfo(ref.param).block == UpBlock::UpPlus ? image.sprdUP_PLUS : image.sprdUP;
     if (t.isEmpty(1, row))
+        return std::nullopt;
+    return t.number(1, row);
+}
+
+QString ParamText(const ControllerImage &image, ParamRef ref)
+{
+    const std::optional<qint64> word = ParamWord(image, ref);
+    if (!word)
         return {};
-    return formatWord(encodingOf(ref, v), t.number(1, row), image.tempDecimals());
+    return formatWord(encodingOf(ref, image.firmwareVersion()), *word, image.tempDecimals());
 }

@@ -205,6 +205,11 @@ int WriteRowOf(ParamRef ref, double firmwareVersion, RowAddressing addressing);
 int ParamWireAddress(ParamRef ref, double firmwareVersion, bool modbus,
                      RowAddressing addressing = RowAddressing::Normal);
 
+// The word of a parameter as the image holds it (its row of sprdUP or
+// sprdUP_PLUS at the image's firmware); none when the row is missing or not
+// read yet.
+std::optional<qint64> ParamWord(const ControllerImage &image, ParamRef ref);
+
 // The screen text of a parameter read from the image: its row's word decoded
 // by its encoding at the image's firmware, with the image's display
 // resolution. Empty when the row is missing or not read yet.

@@ -541,7 +541,11 @@ QString screenPattern(Encoding e, int decimals)
 
 QString formatWord(Encoding e, qint64 word, int decimals)
 {
-    const QString pattern = screenPattern(e, decimals);
+    return formatWordWith(e, word, screenPattern(e, decimals));
+}
+
+QString formatWordWith(Encoding e, qint64 word, QAnyStringView pattern)
+{
     if (e == Encoding::NEG10)
         return formatScaled(-qint64(signedFromWord(quint16(word & 0xFFFF))), 1, pattern);
     return formatScaled(saturatingAdd(word, -encodingOffset(e)), encodingPow10(e), pattern);

@@ -91,6 +91,8 @@ QString resolutionPattern(int decimals);
 QString screenPattern(Encoding e, int decimals);
 // A word decoded and formatted for the screen, exactly (no binary error).
 QString formatWord(Encoding e, qint64 word, int decimals);
+// The same with a pattern of the screen's own ("0.0" for a humidity line).
+QString formatWordWith(Encoding e, qint64 word, QAnyStringView pattern);
 
 // Formats a number like the Format function of the original screens, for
 // patterns made of '0' digits and at most one '.': "0", "0.0", "0.00", "00",

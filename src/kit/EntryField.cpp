@@ -46,18 +46,31 @@ void EntryBinding::revert()
     m_field->setText(m_old);
 }
 
+void EntryBinding::cancelEdit()
+{
+    *m_flag = false;
+    revert();
+}
+
+QString EntryBinding::clampText(const QString &text, const Range &r)
+{
+    const double value = leadingNumber(text);
+    if (value < r.low)
+        return formatNumber(r.low, r.pattern);
+    if (value > r.high)
+        return formatNumber(r.high, r.pattern);
+    return text;
+}
+
 bool EntryBinding::clamp()
 {
     const std::optional<Range> r = m_range ? m_range() : std::nullopt;
     if (!r)
         return false;
-    const double value = leadingNumber(m_field->text());
-    if (value < r->low)
-        m_field->setText(formatNumber(r->low, r->pattern));
-    else if (value > r->high)
-        m_field->setText(formatNumber(r->high, r->pattern));
-    else
+    const QString text = clampText(m_field->text(), *r);
+    if (text == m_field->text())
         return false;
+    m_field->setText(text);
     return true;
 }
 

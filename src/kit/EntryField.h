@@ -62,9 +62,16 @@ public:
     QString oldText() const { return m_old; }
     // Puts the text back to the one before the edit.
     void revert();
+    // Drops an edit that was not committed: the text before it comes back and
+    // the refresh shows the field again.
+    void cancelEdit();
 
     // The clamp to the range; true when the text changed.
     bool clamp();
+    // The clamp of a text: below the low bound the low bound, above the high
+    // one the high bound, formatted with the range's pattern; else the text
+    // as it stands.
+    static QString clampText(const QString &text, const Range &range);
 
 private:
     void leave();

@@ -5,11 +5,26 @@
 #include "ScreenContext.h"
 #include <QAbstractButton>
 
+bool commitParameterText(ScreenContext &context, ParamRef ref, const QString &text, std::optional<Encoding> encoding,
+                         RowAddressing addressing)
+{
+    const Encoding e = encoding.value_or(encodingOf(ref, context.state.FirmwareVersion()));
+    return context.requests().writeParameter(ref, wordFromText(e, text), scaledValueText(e, text), addressing);
+}
+
 // ---------------------------------------------------------------- option groups
 
 OptionGroup::OptionGroup(ScreenContext &context, ParamRef ref, QList<QAbstractButton *> buttons,
                          QList<int> currentWords, QList<int> legacyWords, QObject *parent)
-    : QObject(parent), m_ctx(context), m_ref(ref), m_buttons(std::move(buttons)), m_current(std::move(currentWords)),
+    : OptionGroup(context, [ref] { return std::optional<ParamRef>(ref); }, std::move(buttons),
+                  std::move(currentWords), std::move(legacyWords), parent)
+{
+}
+
+OptionGroup::OptionGroup(ScreenContext &context, Which which, QList<QAbstractButton *> buttons,
+                         QList<int> currentWords, QList<int> legacyWords, QObject *parent)
+    : QObject(parent), m_ctx(context), m_which(std::move(which)), m_ref(m_which().value_or(ParamRef(Param{}))),
+      m_buttons(std::move(buttons)), m_current(std::move(currentWords)),
       m_legacy(legacyWords.isEmpty() ? m_current : std::move(legacyWords))
 {
     for (int i = 0; i < m_buttons.size(); ++i)
@@ -30,18 +45,19 @@ void OptionGroup::colour(int index)
 
 void OptionGroup::load()
 {
-    const ControllerImage &image = m_ctx.state.image;
-    const int row = RowOf(m_ref, image.firmwareVersion());
-    const TextTable &t = paramInfo(m_ref.param).block == UpBlock::UpPlus ? image.sprdUP_PLUS : image.sprdUP;
-    if (row == 0 || t.isEmpty(1, row)) {
+    const std::optional<ParamRef> ref = m_which();
+    if (!ref) {
         colour(-1);
         return;
     }
-    const qint64 word = t.number(1, row);
-    if (m_indexOf)
-        colour(m_indexOf(word));
+    m_ref = *ref;
+    const std::optional<qint64> word = ParamWord(m_ctx.state.image, m_ref);
+    if (!word)
+        colour(-1);
+    else if (m_indexOf)
+        colour(m_indexOf(*word));
     else
-        colour(word < 0 ? -1 : int(words().indexOf(int(word))));
+        colour(*word < 0 ? -1 : int(words().indexOf(int(*word))));
 }
 
 int OptionGroup::selected() const
@@ -54,6 +70,10 @@ int OptionGroup::selected() const
 
 void OptionGroup::choose(int index)
 {
+    const std::optional<ParamRef> ref = m_which();
+    if (!ref)
+        return;
+    m_ref = *ref;
     const QList<int> w = words();
     if (index < 0 || index >= w.size() || w[index] < 0)
         return;
@@ -76,7 +96,7 @@ EntryBinding *PageBinder::field(EntryField *edit, ParamRef ref)
 EntryBinding *PageBinder::field(EntryField *edit, Which which)
 {
     auto *binding = new EntryBinding(edit, this);
-    m_fields.push_back({binding, std::move(which), {}});
+    m_fields.push_back({binding, std::move(which), {}, {}, {}});
     binding->setRange([this, binding]() -> std::optional<EntryBinding::Range> {
         const Field *f = find(binding);
         return f ? rangeOf(*f) : std::nullopt;
@@ -111,6 +131,18 @@ void PageBinder::setAddressing(EntryBinding *binding, RowAddressing addressing)
         f->addressing = addressing;
 }
 
+void PageBinder::setEncoding(EntryBinding *binding, std::function<Encoding()> encoding)
+{
+    if (Field *f = find(binding))
+        f->encoding = std::move(encoding);
+}
+
+void PageBinder::adjust(EntryBinding *binding, std::function<QString(const QString &)> rule)
+{
+    if (Field *f = find(binding))
+        f->adjust = std::move(rule);
+}
+
 void PageBinder::pair(EntryBinding *high, EntryBinding *low)
 {
     Field *h = find(high);
@@ -123,20 +155,24 @@ void PageBinder::pair(EntryBinding *high, EntryBinding *low)
     l->high = false;
 }
 
-OptionGroup *PageBinder::options(ParamRef ref, QList<QAbstractButton *> buttons, QList<int> currentWords,
-                                 QList<int> legacyWords)
+OptionGroup *PageBinder::addGroup(OptionGroup *group)
 {
-    auto *group = new OptionGroup(m_ctx, ref, std::move(buttons), std::move(currentWords), std::move(legacyWords), this);
     connect(group, &OptionGroup::chosen, this, [this] { runRules(); });
     m_groups << group;
     return group;
 }
 
-ParamTable *PageBinder::table(QTableWidget *widget, ParamTable::CellParam cellParam)
+OptionGroup *PageBinder::options(ParamRef ref, QList<QAbstractButton *> buttons, QList<int> currentWords,
+                                 QList<int> legacyWords)
 {
-    auto *t = new ParamTable(m_ctx, widget, std::move(cellParam), this);
-    m_tables << t;
-    return t;
+    return addGroup(new OptionGroup(m_ctx, ref, std::move(buttons), std::move(currentWords), std::move(legacyWords), this));
+}
+
+OptionGroup *PageBinder::options(Which which, QList<QAbstractButton *> buttons, QList<int> currentWords,
+                                 QList<int> legacyWords)
+{
+    return addGroup(
+        new OptionGroup(m_ctx, std::move(which), std::move(buttons), std::move(currentWords), std::move(legacyWords), this));
 }
 
 PageBinder::Field *PageBinder::find(const EntryBinding *binding)
@@ -161,36 +197,57 @@ std::optional<ParamRef> PageBinder::paramOf(const EntryBinding *binding) const
     return f ? f->which() : std::nullopt;
 }
 
+Encoding PageBinder::fieldEncoding(const Field &f, ParamRef ref) const
+{
+    return f.encoding ? f.encoding() : encodingOf(ref, m_ctx.state.FirmwareVersion());
+}
+
 std::optional<EntryBinding::Range> PageBinder::rangeOf(const Field &f) const
 {
     const std::optional<ParamRef> ref = f.which();
     if (!ref)
         return std::nullopt;
     const ControllerImage &image = m_ctx.state.image;
-    const double version = image.firmwareVersion();
-    const QString pattern = screenPattern(encodingOf(*ref, version), image.tempDecimals());
+    const QString pattern = screenPattern(fieldEncoding(f, *ref), image.tempDecimals());
     if (f.range) {
         std::optional<EntryBinding::Range> r = f.range();
         if (r && r->pattern.isEmpty())
             r->pattern = pattern;
         return r;
     }
-    if (const auto bounds = ParamRange(*ref, version))
+    if (const auto bounds = ParamRange(*ref, image.firmwareVersion()))
         return EntryBinding::Range{bounds->low, bounds->high, pattern};
     return std::nullopt;
 }
 
-void PageBinder::load()
+QString PageBinder::textOf(const Field &f, ParamRef ref) const
 {
     const ControllerImage &image = m_ctx.state.image;
+    const std::optional<qint64> word = ParamWord(image, ref);
+    if (!word)
+        return {};
+    const Encoding e = fieldEncoding(f, ref);
+    const std::optional<EntryBinding::Range> own = f.range ? f.range() : std::nullopt;
+    if (own && !own->pattern.isEmpty())
+        return formatWordWith(e, *word, own->pattern);
+    return formatWord(e, *word, image.tempDecimals());
+}
+
+void PageBinder::load()
+{
     for (OptionGroup *g : m_groups)
         g->load();
     for (Field &f : m_fields)
         if (const auto ref = f.which())
-            f.binding->show(ParamText(image, *ref));
-    for (ParamTable *t : m_tables)
-        t->load();
+            f.binding->show(textOf(f, *ref));
     runRules();
+}
+
+void PageBinder::discardEdits()
+{
+    for (Field &f : m_fields)
+        if (f.binding->editing())
+            f.binding->cancelEdit();
 }
 
 void PageBinder::commit(Field &f, const QString &oldText, const QString &newText)
@@ -198,26 +255,31 @@ void PageBinder::commit(Field &f, const QString &oldText, const QString &newText
     const std::optional<ParamRef> ref = f.which();
     if (!ref)
         return;
+    QString text = newText;
+    if (f.adjust) {
+        text = f.adjust(text);
+        if (text != f.binding->field()->text())
+            f.binding->field()->setText(text);
+    }
     bool refused = false;
     if (f.partner) {
-        const double mine = leadingNumber(newText);
+        const double mine = leadingNumber(text);
         const double other = leadingNumber(f.partner->field()->text());
         const double high = f.high ? mine : other;
         const double low = f.high ? other : mine;
         refused = high <= low;
     }
-    const double value = leadingNumber(newText);
+    const double value = leadingNumber(text);
     for (const auto &accept : f.checks)
         refused = refused || !accept(value);
-    if (refused)
+    if (refused) {
         f.binding->revert();
-    const QString text = refused ? oldText : newText;
+        text = oldText;
+    }
     // A refused value is written again as it was; a field never loaded has
     // nothing to write again.
-    if (!(refused && text.isEmpty())) {
-        const Encoding e = encodingOf(*ref, m_ctx.state.FirmwareVersion());
-        m_ctx.requests().writeParameter(*ref, wordFromText(e, text), scaledValueText(e, text), f.addressing);
-    }
+    if (!(refused && text.isEmpty()))
+        commitParameterText(m_ctx, *ref, text, fieldEncoding(f, *ref), f.addressing);
     runRules();
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 #include "Dictionary.h"
 #include "EntryField.h"
-#include "ParamTable.h"
 #include <QList>
 #include <QObject>
 #include <functional>
@@ -9,8 +8,15 @@
 #include <vector>
 
 class QAbstractButton;
-class QTableWidget;
 struct ScreenContext;
+
+// Stores a value typed for a parameter and writes its row: the image cell
+// takes the value scaled by the encoding (exact, not rounded), the word is
+// rounded half to even. The encoding is the parameter's at the firmware
+// unless one is given. False when the firmware has no such row.
+bool commitParameterText(ScreenContext &context, ParamRef ref, const QString &text,
+                         std::optional<Encoding> encoding = std::nullopt,
+                         RowAddressing addressing = RowAddressing::Normal);
 
 // A group of option buttons bound to one parameter row. Each button stands
 // for a word, which may differ between the layouts (legacy 0 and 1, current
@@ -20,7 +26,14 @@ struct ScreenContext;
 class OptionGroup : public QObject {
     Q_OBJECT
 public:
+    using Which = std::function<std::optional<ParamRef>()>;
+
     OptionGroup(ScreenContext &context, ParamRef ref, QList<QAbstractButton *> buttons, QList<int> currentWords,
+                QList<int> legacyWords, QObject *parent);
+    // A group whose row follows a mode of the page (the inner signal shown),
+    // asked at each load and click; none: no button is chosen and a click
+    // writes nothing.
+    OptionGroup(ScreenContext &context, Which which, QList<QAbstractButton *> buttons, QList<int> currentWords,
                 QList<int> legacyWords, QObject *parent);
 
     // Colours the button of the row's word; a word that fits no button, or a
@@ -36,6 +49,8 @@ public:
     void choose(int index);
 
     const QList<QAbstractButton *> &buttons() const { return m_buttons; }
+    // The parameter of the group (for a group that follows a mode, the one of
+    // its last load or click).
     ParamRef param() const { return m_ref; }
 
 signals:
@@ -46,6 +61,7 @@ private:
     void colour(int index);
 
     ScreenContext &m_ctx;
+    Which m_which;
     ParamRef m_ref;
     QList<QAbstractButton *> m_buttons;
     QList<int> m_current;
@@ -66,6 +82,12 @@ private:
 // break it takes back the edited field's old text, which is written again.
 // A page's own relation checks (points that must rise) work the same way.
 //
+// A page may narrow a field's range (fixed or worked out at each clamp, such
+// as between the neighbours of a line), give it a pattern of its own (shown
+// and used by the clamp), an encoding of its own, and a rule of its own that
+// adjusts the text on Enter before it is written (fields that clamp only in
+// the commit, by the state of other controls).
+//
 // The page's own rules (fields enabled by another row, rows that follow a
 // mode) run after every load and every change through onChange().
 class PageBinder : public QObject {
@@ -81,11 +103,16 @@ public:
     // voltage row of an offset), asked at each load and commit; none: the
     // field is left alone.
     EntryBinding *field(EntryField *edit, Which which);
-    // Narrower bounds than the dictionary's, or a range where it has none;
-    // an empty pattern takes the encoding's.
+    // Narrower bounds than the dictionary's, or a range where it has none. A
+    // pattern given with the range is the field's pattern: the field shows
+    // its value with it as well.
     void setRange(EntryBinding *field, const EntryBinding::Range &range);
-    // Bounds worked out at each clamp: bounds that follow another field.
+    // Bounds worked out at each clamp; none: the field is not clamped.
     void setRange(EntryBinding *field, EntryBinding::RangeOf range);
+    // An encoding other than the parameter's (a row used two ways).
+    void setEncoding(EntryBinding *field, std::function<Encoding()> encoding);
+    // A rule run on Enter after the clamp: the text it returns is shown and written.
+    void adjust(EntryBinding *field, std::function<QString(const QString &text)> rule);
     // The high (index 1) and low (index 0) field of a pair.
     void pair(EntryBinding *high, EntryBinding *low);
     // A relation check of the commit: a value it refuses takes back the
@@ -96,38 +123,44 @@ public:
 
     OptionGroup *options(ParamRef ref, QList<QAbstractButton *> buttons, QList<int> currentWords,
                          QList<int> legacyWords = {});
+    OptionGroup *options(Which which, QList<QAbstractButton *> buttons, QList<int> currentWords,
+                         QList<int> legacyWords = {});
 
-    // A table whose cells are bound to parameters (see ParamTable).
-    ParamTable *table(QTableWidget *table, ParamTable::CellParam cellParam);
-
-    // Every option group, then every field and table from the image (so a
-    // field that follows a mode can read the group's colours), then the
-    // page's rules.
+    // Every option group, then every field from the image (so a field that
+    // follows a mode can read the group's colours), then the page's rules
+    // (the tables of the page among them).
     void load();
     void onChange(std::function<void()> rule) { m_rules.push_back(std::move(rule)); }
+    // Drops every edit not yet committed (the fields now stand for other rows).
+    void discardEdits();
 
     // The parameter a field stands for now.
     std::optional<ParamRef> paramOf(const EntryBinding *field) const;
+    ScreenContext &context() const { return m_ctx; }
 
 private:
     struct Field {
         EntryBinding *binding;
         Which which;
-        EntryBinding::RangeOf range;
-        EntryBinding *partner = nullptr; // the other field of a pair
-        bool high = false;
+        EntryBinding::RangeOf range; // the page's own bounds, if any
+        std::function<Encoding()> encoding;
+        std::function<QString(const QString &)> adjust;
         std::vector<std::function<bool(double)>> checks;
         RowAddressing addressing = RowAddressing::Normal;
+        EntryBinding *partner = nullptr; // the other field of a pair
+        bool high = false;
     };
     Field *find(const EntryBinding *binding);
     const Field *find(const EntryBinding *binding) const;
     std::optional<EntryBinding::Range> rangeOf(const Field &f) const;
+    Encoding fieldEncoding(const Field &f, ParamRef ref) const;
+    QString textOf(const Field &f, ParamRef ref) const;
+    OptionGroup *addGroup(OptionGroup *group);
     void commit(Field &f, const QString &oldText, const QString &newText);
     void runRules();
 
     ScreenContext &m_ctx;
     std::vector<Field> m_fields;
     QList<OptionGroup *> m_groups;
-    QList<ParamTable *> m_tables;
     std::vector<std::function<void()>> m_rules;
 };

@@ -59,7 +59,7 @@ QWidget *frmQM730SYS_Control::buildOutput(Output &o)
     const QList<QAbstractButton *> type =
         optionButtons(QStringLiteral("btn%1OutType").arg(side), {QStringLiteral("SSR"), QStringLiteral("SCR")});
     o.type = b.options(o.temp ? Param::btnTempOutType : Param::btnHumiOutType, type, {0, 1});
-    gridRow(grid, 0, QStringLiteral("輸出種類"), buttonRow(type));
+    gridRow(grid, 0, QStringLiteral("輸出種類"), strip(type));
 
     // The temperature period and limits are written, on purpose, to the plain
     // row in every protocol; the humidity ones as any row.
@@ -71,7 +71,7 @@ QWidget *frmQM730SYS_Control::buildOutput(Output &o)
     const QList<QAbstractButton *> direct = optionButtons(QStringLiteral("btn%1OutDirect").arg(side),
                                                           {QStringLiteral("正動作"), QStringLiteral("逆動作")});
     b.options(o.temp ? Param::btnTempOutDirect : Param::btnHumiOutDirect, direct, {0, 1});
-    gridRow(grid, 2, QStringLiteral("控制方向"), buttonRow(direct));
+    gridRow(grid, 2, QStringLiteral("控制方向"), strip(direct));
 
     const Param limits = o.temp ? Param::txtTempOutV : Param::txtHumiOutV;
     EntryField *high = pageField(QStringLiteral("txt%1OutV").arg(side), 1);
@@ -101,7 +101,7 @@ QWidget *frmQM730SYS_Control::buildRetransmission(Retransmission &r)
     r.item = b.options(r.temp ? Param::btnRetTempOut : Param::btnRetHumiOut, item, {0, 1, 2});
     // A word outside the items chooses the last.
     r.item->setIndexOfWord([](qint64 word) { return word >= 0 && word <= 2 ? int(word) : 2; });
-    gridRow(grid, 0, QStringLiteral("傳送項目"), buttonRow(item));
+    gridRow(grid, 0, QStringLiteral("傳送項目"), strip(item));
 
     const Param range = r.temp ? Param::txtRetTempRange : Param::txtRetHumiRange;
     const QString name = r.temp ? QStringLiteral("txtRetTempRange") : QStringLiteral("txtRetHumiRange");
@@ -120,7 +120,7 @@ QWidget *frmQM730SYS_Control::buildRetransmission(Retransmission &r)
         optionButtons(r.temp ? QStringLiteral("btnTRet_SBOut") : QStringLiteral("btnHRet_SBOut"),
                       {QStringLiteral("0.0mA"), QStringLiteral("4.0mA")});
     b.options(r.temp ? Param::btnTRet_SBOut : Param::btnHRet_SBOut, breakOut, {0, 1});
-    gridRow(grid, 2, QStringLiteral("斷線時輸出"), buttonRow(breakOut));
+    gridRow(grid, 2, QStringLiteral("斷線時輸出"), strip(breakOut));
 
     // The offset shows its row and is written, on purpose, to the legacy row
     // (249, 251) as a plain row number in every firmware and protocol.

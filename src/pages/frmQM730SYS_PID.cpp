@@ -1,4 +1,5 @@
 #include "frmQM730SYS_PID.h"
+#include "ParamTable.h"
 #include "ConsoleState.h"
 #include "EntryField.h"
 #include "Files.h"
@@ -100,7 +101,7 @@ frmQM730SYS_PID::frmQM730SYS_PID(ScreenContext &context, QWidget *parent)
     const QList<QAbstractButton *> mode =
         optionButtons(QStringLiteral("btnPIDZone_Finder"), {QStringLiteral("自動"), QStringLiteral("手動")});
     b.options(Param::btnPIDZone_Finder, mode, {0, 1});
-    gridRow(finder, 0, QStringLiteral("區域搜尋"), buttonRow(mode));
+    gridRow(finder, 0, QStringLiteral("區域搜尋"), strip(mode));
     EntryField *manual = pageField(QStringLiteral("txtPIDZone_Manual"));
     b.field(manual, Param::txtPIDZone_Manual);
     gridRow(finder, 1, QStringLiteral("手動區域"), manual);
@@ -199,9 +200,10 @@ frmQM730SYS_PID_Val::frmQM730SYS_PID_Val(ScreenContext &context, QWidget *parent
     sprdPID->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     sprdPID->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed
                              | QAbstractItemView::AnyKeyPressed);
-    m_page->binder().table(sprdPID, [](int line, int column) {
-        return std::optional<ParamRef>(ParamRef(Param::sprdPID, line, column));
-    });
+    auto *cells = new ParamTable(m_page->binder(), sprdPID);
+    for (int line = 1; line <= sprdPID->rowCount(); ++line)
+        for (int column = 1; column <= sprdPID->columnCount(); ++column)
+            cells->param(line, column, ParamRef(Param::sprdPID, line, column));
 
     m_tempHeading = new QLabel(QStringLiteral("溫度[℃]"), this);
     m_humiHeading = new QLabel(QStringLiteral("濕度[%RH]"), this);

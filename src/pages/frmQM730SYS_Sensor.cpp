@@ -83,7 +83,7 @@ QWidget *frmQM730SYS_Sensor::buildChannel(Channel &c)
             return word >= 0 && word < types.size() ? int(word) : -1;
         return word == 0 ? 1 : 2;
     });
-    gridRow(grid, 0, QStringLiteral("感測器種類"), buttonRow(types));
+    gridRow(grid, 0, QStringLiteral("感測器種類"), strip(types));
     // The fields of the type move at once.
     connect(c.type, &OptionGroup::chosen, this, [this] { m_page->binder().load(); });
 
@@ -157,7 +157,7 @@ QWidget *frmQM730SYS_Sensor::buildDryWet()
     const QList<QAbstractButton *> action =
         optionButtons(QStringLiteral("btnDryWetADJ_R"), {QStringLiteral("設定"), QStringLiteral("解除")});
     b.options(Param::btnDryWetADJ_R, action, kSetRelease);
-    gridRow(grid, 2, QStringLiteral("乾/濕球ADJ"), buttonRow(action));
+    gridRow(grid, 2, QStringLiteral("乾/濕球ADJ"), strip(action));
 
     EntryField *high = pageField(QStringLiteral("txtDryTemp_Range"), 1);
     EntryField *low = pageField(QStringLiteral("txtDryTemp_Range"), 0);
@@ -191,7 +191,7 @@ QWidget *frmQM730SYS_Sensor::buildOthers()
         m_ctx.state.image.setTempDecimals(2 - index);
         m_page->binder().load();
     });
-    gridRow(grid, row++, QStringLiteral("溫度解析度"), buttonRow(resolution));
+    gridRow(grid, row++, QStringLiteral("溫度解析度"), strip(resolution));
 
     EntryField *wait = pageField(QStringLiteral("txtBurnOutWaitTime"));
     b.field(wait, Param::txtBurnOutWaitTime);
@@ -200,7 +200,7 @@ QWidget *frmQM730SYS_Sensor::buildOthers()
     const QList<QAbstractButton *> at =
         optionButtons(QStringLiteral("btnAT_Button"), {QStringLiteral("設定"), QStringLiteral("解除")});
     b.options(Param::btnAT_Button, at, kSetRelease);
-    gridRow(grid, row++, QStringLiteral("A/T 鍵顯示"), buttonRow(at));
+    gridRow(grid, row++, QStringLiteral("A/T 鍵顯示"), strip(at));
     grid->setRowStretch(row, 1);
     return box;
 }

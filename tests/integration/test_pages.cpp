@@ -2,6 +2,7 @@
 // and a revision curve go to the controller and come back on the reload,
 // in PC Link and Modbus RTU, on the current and the legacy layout.
 #include "ConsoleCore.h"
+#include "CellEdit.h"
 #include "SimProcess.h"
 #include "TestHome.h"
 #include "Widgets.h"
@@ -139,7 +140,7 @@ private slots:
             auto *grid = child<QTableWidget>(table, "sprdPID");
             s.RefreshOnOpen = true;
             QTRY_COMPARE_WITH_TIMEOUT(grid->item(1, 0)->text(), QStringLiteral("5.00"), 8000);
-            grid->item(1, 0)->setText(QStringLiteral("12.34")); // zone 2, temperature P
+            QVERIFY(editCell(grid, 2, 1, QStringLiteral("12.34"))); // zone 2, temperature P
             QTRY_COMPARE_WITH_TIMEOUT(up(314), QStringLiteral("1234"), 8000);
             QTRY_COMPARE_WITH_TIMEOUT(grid->item(1, 0)->text(), QStringLiteral("12.34"), 8000);
         }

@@ -322,41 +322,6 @@ private slots:
         QCOMPARE(group->selected(), 2);
     }
 
-    void aTableOfParameters()
-    {
-        Page p(2.31, QStringLiteral("Modbus RTU"));
-        QTableWidget table(2, 3, &p.dialog);
-        // Line z is PID zone z; column 3 is not bound.
-        ParamTable *t = p.binder.table(&table, [](int line, int column) {
-            return column <= 2 ? std::optional<ParamRef>(ParamRef(Param::sprdPID, line, column)) : std::nullopt;
-        });
-        QSignalSpy committed(t, &ParamTable::committed);
-        p.up({Param::sprdPID, 2, 1}, 1250); // P, word / 100
-        p.up({Param::sprdPID, 2, 2}, 1205); // I, word / 10
-        p.binder.load();
-        QCOMPARE(table.item(1, 0)->text(), QStringLiteral("12.50"));
-        QCOMPARE(table.item(1, 1)->text(), QStringLiteral("120.5"));
-        QVERIFY(!(table.item(0, 2)->flags() & Qt::ItemIsEditable));
-        QVERIFY(table.item(0, 1)->flags() & Qt::ItemIsEditable);
-
-        table.item(1, 1)->setText(QStringLiteral("90.25")); // as the editor leaves it
-        QCOMPARE(p.mail(), (QList<int>{102, 40100 + RowOf({Param::sprdPID, 2, 2}, 2.31), 902}));
-        QCOMPARE(p.cell({Param::sprdPID, 2, 2}), QStringLiteral("902.5"));
-        QCOMPARE(committed.size(), 1);
-
-        // The refresh leaves the cell being edited alone.
-        table.setCurrentCell(0, 0);
-        table.editItem(table.item(0, 0));
-        p.up({Param::sprdPID, 1, 1}, 700);
-        p.binder.load();
-        QCOMPARE(table.item(0, 0)->text(), QString());
-        QCOMPARE(table.item(1, 1)->text(), QStringLiteral("90.2"));
-        table.setCurrentCell(1, 0); // the editor closes
-        QApplication::processEvents();
-        p.binder.load();
-        QCOMPARE(table.item(0, 0)->text(), QStringLiteral("7.00"));
-    }
-
     void aPageTakesTheRefreshOverAndGivesItBack()
     {
         QTemporaryDir dir;

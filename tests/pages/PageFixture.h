@@ -1,8 +1,9 @@
 #pragma once
-// A system page over a bench whose foreground machine has a given firmware
-// and protocol: its rows set in the image before or after it opens, the
-// refresh that reloads it, keys typed into its fields, and the mailbox.
+// A page over a bench whose foreground machine has a given firmware and
+// protocol: the image rows it shows, the refresh that reloads it, the mailbox
+// it fills, and its controls used as the operator uses them.
 #include "ButtonColour.h"
+#include "CellEdit.h"
 #include "ScreenBench.h"
 #include "Widgets.h"
 #include <QAbstractButton>
@@ -17,35 +18,46 @@ struct PageFixture {
     QTemporaryDir dir;
     ScreenBench bench{dir.path()};
     ConsoleState &s = bench.state;
-    std::unique_ptr<QDialog> page;
+    std::unique_ptr<QDialog> page; // the page opened last
 
-    explicit PageFixture(double firmware = 2.31, const QString &protocol = QStringLiteral("PC Link"))
+    explicit PageFixture(double firmware = 2.31, const QString &protocol = QStringLiteral("PC Link"), int decimals = 2)
     {
         s.CurrentMachine = 1;
         s.CommProtocol = protocol;
         s.image.applyFirmware(firmware);
-        s.image.setTempDecimals(2);
+        s.image.setTempDecimals(decimals);
     }
+    // Opens a page (closing the one opened before) and waits until it shows.
     template <class Page>
-    Page &open()
+    Page *open()
     {
         page = std::make_unique<Page>(bench.ctx);
         page->show();
-        return static_cast<Page &>(*page);
+        if (!QTest::qWaitForWindowExposed(page.get()))
+            qFatal("the page was not shown");
+        return static_cast<Page *>(page.get());
     }
 
     void up(ParamRef ref, qint64 word) { s.image.sprdUP.setNumber(1, RowOf(ref, s.FirmwareVersion()), word); }
-    void upRow(int row, qint64 word) { s.image.sprdUP.setNumber(1, row, word); }
+    void up(int row, qint64 word) { s.image.sprdUP.setNumber(1, row, word); }
+    void upRow(int row, qint64 word) { up(row, word); }
     QString row(int r) const { return s.image.sprdUP.text(1, r); }
-    // As the link does when the reply is in: the page's refresh tick.
+    QString cell(int r) const { return row(r); }
+    // As the link does when the reply is in: the page's refresh tick reloads it.
     void reload()
     {
+        QTimer *timer = s.ActiveRefreshTimer.data();
+        QVERIFY(timer);
         s.startActiveRefresh();
-        QTRY_VERIFY(s.ActiveRefreshTimer && !s.ActiveRefreshTimer->isActive());
+        QTRY_VERIFY(!timer->isActive());
     }
-    QList<int> mail() const
+    void refresh() { reload(); }
+    // Code, address and word of the mailbox.
+    QList<int> mail() const { return {s.ReqCmd, s.ReqIndex, (quint8(s.ReqData[0]) << 8) | quint8(s.ReqData[1])}; }
+    void clearMail()
     {
-        return {s.ReqCmd, s.ReqIndex, (quint8(s.ReqData[0]) << 8) | quint8(s.ReqData[1])};
+        s.ReqCmd = 0;
+        s.ReqIndex = 0;
     }
 
     QLineEdit *field(const char *name, int index = -1) const
@@ -56,19 +68,19 @@ struct PageFixture {
     {
         return index < 0 ? child<QAbstractButton>(*page, name) : indexed<QAbstractButton>(*page, name, index);
     }
-    void type(QLineEdit *e, const QString &text)
+    static void type(QLineEdit *e, const QString &text)
     {
         e->setFocus();
         e->selectAll();
-        QTest::keyClicks(e, text);
+        typeText(e, text);
     }
-    void enter(QLineEdit *e, const QString &text)
+    static void enter(QLineEdit *e, const QString &text)
     {
         type(e, text);
         QTest::keyClick(e, Qt::Key_Return);
     }
     void enter(const char *name, int index, const QString &text) { enter(field(name, index), text); }
-    void leave(QWidget *w)
+    static void leave(QWidget *w)
     {
         QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
         QApplication::sendEvent(w, &out);

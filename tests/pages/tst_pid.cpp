@@ -2,6 +2,7 @@
 // before them, gains clamped when confirmed, the table of PID sets with its
 // rows, its columns by firmware and the lines the boundaries leave out.
 #include "ModalDriver.h"
+#include "CellEdit.h"
 #include "PageFixture.h"
 #include "frmQM730SYS_PID.h"
 #include <QTableWidget>
@@ -128,9 +129,9 @@ private slots:
         auto *table = child<QTableWidget>(*f.page, "sprdPID");
         QCOMPARE(table->item(15, 1)->text(), QStringLiteral("120.5"));
         QCOMPARE(table->item(15, 11)->text(), QStringLiteral("100.00"));
-        table->item(15, 11)->setText(QStringLiteral("95.5"));
+        QVERIFY(editCell(table, 16, 12, QStringLiteral("95.5")));
         QCOMPARE(f.mail(), (QList<int>{102, offset + h + 63, 9550})); // the last row of the PID area
-        table->item(0, 7)->setText(QStringLiteral("3.5")); // zone 1, humidity I
+        QVERIFY(editCell(table, 1, 8, QStringLiteral("3.5"))); // zone 1, humidity I
         QCOMPARE(f.mail(), (QList<int>{102, offset + t + 5, 35}));
         QCOMPARE(f.row(t + 5), QStringLiteral("35"));
         for (int c = 0; c < 12; ++c)
@@ -155,7 +156,7 @@ private slots:
     void boundariesThatDoNotRiseHideTheirZones()
     {
         PageFixture f;
-        auto &table = f.open<frmQM730SYS_PID_Val>();
+        auto &table = *f.open<frmQM730SYS_PID_Val>();
         auto *grid = child<QTableWidget>(table, "sprdPID");
         QList<double> temp{0, 50, 100, 150}, humi{20, 40, 60, 80};
         table.setBoundaries([&](bool t) { return t ? temp : humi; });

@@ -82,7 +82,7 @@ private slots:
             PageFixture f(2.31, modbus ? QStringLiteral("Modbus RTU") : QStringLiteral("PC Link"));
             f.upRow(32, 10500);
             f.upRow(40, rev({-90})[0]);
-            auto &page = f.open<frmQM730SYS_Sensor_RevisionT>();
+            auto &page = *f.open<frmQM730SYS_Sensor_RevisionT>();
             f.click("btnInit");
             const QList<int> points = rev({-100, -40, 20, 80, 140, 200});
             QList<int> block{10000, 10000};

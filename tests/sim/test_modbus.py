@@ -111,6 +111,31 @@ class Registers(SimCase):
         self.write(44001 + 12 * 3, [int.from_bytes(name[i : i + 2], "big") for i in range(0, 24, 2)])  # row 15
         self.assertEqual(self.sim.command("get 1 td 15"), "低溫")
 
+    def test_the_rows_the_parameter_pages_write(self):
+        # A password is four rows of digit codes written as one block.
+        self.write(40390, [ord(c) for c in "0417"])
+        self.assertEqual([self.sim.word(f"1 up {r}") for r in range(290, 294)], [48, 52, 49, 55])
+        self.assertEqual(self.read(40390, 4), [48, 52, 49, 55])
+        # The maker's text lines are rows 9 to 11, 15 registers each.
+        line = "ACME 恆溫".encode("big5").ljust(30, b"\0")
+        self.write(43001 + 15, [int.from_bytes(line[i : i + 2], "big") for i in range(0, 30, 2)])  # row 10
+        self.assertEqual(self.sim.command("get 1 td 10"), "ACME 恆溫")
+        self.assertEqual(b"".join(w.to_bytes(2, "big") for w in self.read(43001, 45))[30:60], line)
+        # The start and program locks behind the block.
+        self.write(40701, [1])
+        self.assertEqual(self.sim.word("1 upplus 89"), 1)
+        self.write(40701, [0])
+
+    def test_a_legacy_controller_takes_its_rows_by_number(self):
+        # Below firmware 2.2 the pages address a row by its plain number in every protocol.
+        self.write(87, [0], slave=5)  # system alarm enable
+        self.assertEqual(self.sim.word("5 up 87"), 0)
+        self.write(161, [0x0805], slave=5)  # D/I line 1: action 8, wait 5
+        self.assertEqual(self.read(161, 1, slave=5), [0x0805])
+        self.assertEqual(self.read(40261, 1, slave=5), [0x0805])  # the same row in the block's map
+        self.assertEqual(self.client.read_holding_registers(493, 1, slave=5).exception_code, 2)  # past its 492 rows
+        self.write(87, [1], slave=5)
+
     def test_patterns_by_registers_and_segments_by_file_records(self):
         pattern1 = self.read(50001, 81)
         self.assertEqual(pattern1[0], 4)
