@@ -1,11 +1,13 @@
 #include "PageLayout.h"
 #include "EntryField.h"
 #include "ScreenLayout.h"
+#include <QDialog>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QVBoxLayout>
 
 QList<QAbstractButton *> optionButtons(const QString &name, const QStringList &captions)
 {
@@ -20,16 +22,22 @@ QList<QAbstractButton *> optionButtons(const QString &name, const QStringList &c
     return buttons;
 }
 
-QWidget *buttonRow(const QList<QAbstractButton *> &buttons)
+QWidget *widgetRow(const QList<QWidget *> &widgets, int spacing)
 {
     auto *w = new QWidget;
     auto *h = new QHBoxLayout(w);
     h->setContentsMargins(0, 0, 0, 0);
-    h->setSpacing(2);
-    for (QAbstractButton *b : buttons)
-        h->addWidget(b);
+    if (spacing >= 0)
+        h->setSpacing(spacing);
+    for (QWidget *x : widgets)
+        h->addWidget(x);
     h->addStretch();
     return w;
+}
+
+QWidget *buttonRow(const QList<QAbstractButton *> &buttons)
+{
+    return widgetRow(QList<QWidget *>(buttons.begin(), buttons.end()), 2);
 }
 
 EntryField *pageField(const QString &name, int index, int width)
@@ -66,12 +74,28 @@ QLabel *gridRow(QGridLayout *grid, int row, const QString &captionText, QWidget 
 
 QWidget *pairRow(EntryField *high, EntryField *low)
 {
-    auto *w = new QWidget;
-    auto *h = new QHBoxLayout(w);
-    h->setContentsMargins(0, 0, 0, 0);
-    h->addWidget(low);
-    h->addWidget(new QLabel(QStringLiteral("~")));
-    h->addWidget(high);
-    h->addStretch();
-    return w;
+    return widgetRow({low, new QLabel(QStringLiteral("~")), high});
+}
+
+void layOutPage(QDialog *page, QLayout *body, const QList<QWidget *> &buttons)
+{
+    auto *bottom = new QHBoxLayout;
+    for (QWidget *b : buttons)
+        bottom->addWidget(b);
+    bottom->addStretch();
+    bottom->addWidget(closeButton(page));
+    auto *top = new QVBoxLayout(page);
+    top->addLayout(body);
+    top->addLayout(bottom);
+    noDefaultButtons(page);
+}
+
+void layOutPage(QDialog *page, QWidget *topLeft, QWidget *topRight, QWidget *bottomLeft, QWidget *bottomRight)
+{
+    auto *grid = new QGridLayout;
+    grid->addWidget(topLeft, 0, 0);
+    grid->addWidget(topRight, 0, 1);
+    grid->addWidget(bottomLeft, 1, 0);
+    grid->addWidget(bottomRight, 1, 1);
+    layOutPage(page, grid);
 }

@@ -5,7 +5,9 @@
 
 class EntryField;
 class QAbstractButton;
+class QDialog;
 class QGridLayout;
+class QLayout;
 class QGroupBox;
 class QLabel;
 class QWidget;
@@ -16,6 +18,8 @@ class QWidget;
 
 // Push buttons named `name`, with their Index 0, 1 ... and the captions in order.
 QList<QAbstractButton *> optionButtons(const QString &name, const QStringList &captions);
+// Widgets side by side as one widget, flush left.
+QWidget *widgetRow(const QList<QWidget *> &widgets, int spacing = -1);
 // The buttons side by side as one widget.
 QWidget *buttonRow(const QList<QAbstractButton *> &buttons);
 // A right-aligned entry field; index >= 0 makes it a member of a control array.
@@ -28,3 +32,8 @@ QLabel *gridRow(QGridLayout *grid, int row, const QString &caption, QWidget *val
                 const QString &labelName = {});
 // The fields of a pair as one widget, read as a range: "low ~ high".
 QWidget *pairRow(EntryField *high, EntryField *low);
+// The page's own widgets above a row of its buttons on the left and "關閉"
+// on the right; Enter in a field never presses a button.
+void layOutPage(QDialog *page, QLayout *body, const QList<QWidget *> &buttons = {});
+// The same with four framed groups, two by two.
+void layOutPage(QDialog *page, QWidget *topLeft, QWidget *topRight, QWidget *bottomLeft, QWidget *bottomRight);
