@@ -1,6 +1,7 @@
 #include "PageLayout.h"
 #include "EntryField.h"
 #include "ScreenLayout.h"
+#include <QDialog>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -9,6 +10,7 @@
 #include <QAbstractButton>
 #include <QPushButton>
 #include <QTableWidget>
+#include <QVBoxLayout>
 
 QList<QAbstractButton *> optionButtons(QWidget *parent, const QString &name, const QStringList &captions)
 {
@@ -24,11 +26,13 @@ QList<QAbstractButton *> optionButtons(QWidget *parent, const QString &name, con
     return buttons;
 }
 
-QWidget *strip(const QList<QWidget *> &controls)
+QWidget *strip(const QList<QWidget *> &controls, int spacing)
 {
     auto *w = new QWidget;
     auto *row = new QHBoxLayout(w);
     row->setContentsMargins(0, 0, 0, 0);
+    if (spacing >= 0)
+        row->setSpacing(spacing);
     for (QWidget *c : controls)
         row->addWidget(c);
     row->addStretch();
@@ -40,7 +44,7 @@ QWidget *strip(const QList<QAbstractButton *> &buttons)
     QList<QWidget *> controls;
     for (QAbstractButton *b : buttons)
         controls << b;
-    return strip(controls);
+    return strip(controls, 2);
 }
 
 EntryField *indexedField(QWidget *parent, const QString &name, int index)
@@ -130,4 +134,22 @@ QLabel *gridRow(QGridLayout *grid, int row, const QString &captionText, QWidget 
 QWidget *pairRow(EntryField *high, EntryField *low)
 {
     return strip(QList<QWidget *>{low, new QLabel(QStringLiteral("~")), high});
+}
+
+void layOutPage(QDialog *page, QLayout *body, const QList<QWidget *> &buttons)
+{
+    auto *top = new QVBoxLayout(page);
+    top->addLayout(body);
+    top->addLayout(closeRow(page, buttons.isEmpty() ? nullptr : strip(buttons)));
+    noDefaultButtons(page);
+}
+
+void layOutPage(QDialog *page, QWidget *topLeft, QWidget *topRight, QWidget *bottomLeft, QWidget *bottomRight)
+{
+    auto *grid = new QGridLayout;
+    grid->addWidget(topLeft, 0, 0);
+    grid->addWidget(topRight, 0, 1);
+    grid->addWidget(bottomLeft, 1, 0);
+    grid->addWidget(bottomRight, 1, 1);
+    layOutPage(page, grid);
 }

@@ -7,11 +7,11 @@ class QAbstractButton;
 class QDialog;
 class QHBoxLayout;
 class QGridLayout;
+class QLayout;
 class QLabel;
 class QTableWidget;
 class QWidget;
 class EntryField;
-class QGroupBox;
 
 // Building blocks of the parameter pages.
 
@@ -19,8 +19,9 @@ class QGroupBox;
 // their index in the property "Index".
 QList<QAbstractButton *> optionButtons(QWidget *parent, const QString &name, const QStringList &captions);
 QList<QAbstractButton *> optionButtons(const QString &name, const QStringList &captions);
-// Buttons (or other controls) side by side in a widget of their own.
-QWidget *strip(const QList<QWidget *> &controls);
+// Controls side by side in a widget of their own, flush left (spacing -1:
+// the style's); buttons two pixels apart.
+QWidget *strip(const QList<QWidget *> &controls, int spacing = -1);
 QWidget *strip(const QList<QAbstractButton *> &buttons);
 
 // A field of a control array: the name with its index in "Index".
@@ -49,3 +50,8 @@ QHBoxLayout *closeRow(QDialog *page, QWidget *left = nullptr);
 // sized to their text, no sorting.
 QTableWidget *pageTable(QWidget *parent, const QString &name, const QStringList &columnHeadings,
                         const QStringList &lineHeadings);
+// The page's own widgets above its close row, with the page's buttons on
+// the left; Enter in a field never presses a button.
+void layOutPage(QDialog *page, QLayout *body, const QList<QWidget *> &buttons = {});
+// The same with four framed groups, two by two.
+void layOutPage(QDialog *page, QWidget *topLeft, QWidget *topRight, QWidget *bottomLeft, QWidget *bottomRight);

@@ -10,10 +10,8 @@
 #include <QAbstractButton>
 #include <QGridLayout>
 #include <QGroupBox>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QVBoxLayout>
 
 namespace {
 
@@ -31,18 +29,8 @@ frmQM730SYS_Control::frmQM730SYS_Control(ScreenContext &context, QWidget *parent
     setObjectName(QStringLiteral("frmQM730SYS_Control"));
     setWindowTitle(QStringLiteral("控制輸出設定"));
 
-    auto *grid = new QGridLayout;
-    grid->addWidget(buildOutput(m_tempOut), 0, 0);
-    grid->addWidget(buildOutput(m_humiOut), 0, 1);
-    grid->addWidget(buildRetransmission(m_tempRet), 1, 0);
-    grid->addWidget(buildRetransmission(m_humiRet), 1, 1);
-    auto *bottom = new QHBoxLayout;
-    bottom->addStretch();
-    bottom->addWidget(closeButton(this));
-    auto *top = new QVBoxLayout(this);
-    top->addLayout(grid);
-    top->addLayout(bottom);
-    noDefaultButtons(this);
+    layOutPage(this, buildOutput(m_tempOut), buildOutput(m_humiOut), buildRetransmission(m_tempRet),
+               buildRetransmission(m_humiRet));
 
     m_page->binder().onChange([this] { applyModes(); });
     m_page->open();
@@ -137,13 +125,7 @@ QWidget *frmQM730SYS_Control::buildRetransmission(Retransmission &r)
         else
             frmQM730SYS_Control_RevisionH(m_ctx, this).exec();
     });
-    auto *biasRow = new QWidget;
-    auto *h = new QHBoxLayout(biasRow);
-    h->setContentsMargins(0, 0, 0, 0);
-    h->addWidget(bias);
-    h->addWidget(new QLabel(r.temp ? kDegrees : kPercent));
-    h->addWidget(r.adjust);
-    h->addStretch();
+    QWidget *biasRow = strip({bias, new QLabel(r.temp ? kDegrees : kPercent), r.adjust});
     r.biasLabel = gridRow(grid, 3, QString(), biasRow, {}, r.temp ? QStringLiteral("lblTempOutBias") : QStringLiteral("lblHumiOutBias"));
     grid->setRowStretch(4, 1);
     return box;

@@ -116,14 +116,7 @@ frmQM730SYS_PID::frmQM730SYS_PID(ScreenContext &context, QWidget *parent)
     auto *middle = new QHBoxLayout;
     middle->addWidget(zoneBox);
     middle->addLayout(right);
-    auto *bottom = new QHBoxLayout;
-    bottom->addWidget(table);
-    bottom->addStretch();
-    bottom->addWidget(closeButton(this));
-    auto *top = new QVBoxLayout(this);
-    top->addLayout(middle);
-    top->addLayout(bottom);
-    noDefaultButtons(this);
+    layOutPage(this, middle, {table});
     m_page->open();
 }
 
@@ -219,15 +212,11 @@ frmQM730SYS_PID_Val::frmQM730SYS_PID_Val(ScreenContext &context, QWidget *parent
     headingRow->addWidget(m_humiHeading);
     headingRow->addStretch();
 
-    auto *bottom = new QHBoxLayout;
-    bottom->addStretch();
-    bottom->addWidget(closeButton(this));
-    auto *top = new QVBoxLayout(this);
-    top->addWidget(title);
-    top->addLayout(headingRow);
-    top->addWidget(sprdPID);
-    top->addLayout(bottom);
-    noDefaultButtons(this);
+    auto *body = new QVBoxLayout;
+    body->addWidget(title);
+    body->addLayout(headingRow);
+    body->addWidget(sprdPID);
+    layOutPage(this, body);
 
     m_page->binder().onChange([this] { applyLayout(); });
     m_page->open();

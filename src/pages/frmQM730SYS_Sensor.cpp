@@ -10,10 +10,8 @@
 #include <QAbstractButton>
 #include <QGridLayout>
 #include <QGroupBox>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QVBoxLayout>
 
 namespace {
 
@@ -45,18 +43,7 @@ frmQM730SYS_Sensor::frmQM730SYS_Sensor(ScreenContext &context, QWidget *parent)
     setObjectName(QStringLiteral("frmQM730SYS_Sensor"));
     setWindowTitle(QStringLiteral("傳感器輸入設定"));
 
-    auto *grid = new QGridLayout;
-    grid->addWidget(buildChannel(m_temp), 0, 0);
-    grid->addWidget(buildChannel(m_humi), 0, 1);
-    grid->addWidget(buildDryWet(), 1, 0);
-    grid->addWidget(buildOthers(), 1, 1);
-    auto *bottom = new QHBoxLayout;
-    bottom->addStretch();
-    bottom->addWidget(closeButton(this));
-    auto *top = new QVBoxLayout(this);
-    top->addLayout(grid);
-    top->addLayout(bottom);
-    noDefaultButtons(this);
+    layOutPage(this, buildChannel(m_temp), buildChannel(m_humi), buildDryWet(), buildOthers());
 
     m_page->binder().onChange([this] { applyModes(); });
     m_page->open();
@@ -112,13 +99,7 @@ QWidget *frmQM730SYS_Sensor::buildChannel(Channel &c)
     b.setAddressing(biasBinding, RowAddressing::LegacyRow);
     c.adjust = named(new QPushButton(QStringLiteral("補正")), temp ? QStringLiteral("btnAdjustT") : QStringLiteral("btnAdjustH"));
     connect(c.adjust, &QPushButton::clicked, this, [this, &c] { openRevision(c.which); });
-    auto *biasRow = new QWidget;
-    auto *h = new QHBoxLayout(biasRow);
-    h->setContentsMargins(0, 0, 0, 0);
-    h->addWidget(bias);
-    h->addWidget(new QLabel(kDegrees));
-    h->addWidget(c.adjust);
-    h->addStretch();
+    QWidget *biasRow = strip({bias, new QLabel(kDegrees), c.adjust});
     c.biasLabel = gridRow(grid, 3, QString(), biasRow, {}, temp ? QStringLiteral("Label4") : QStringLiteral("Label13"));
 
     EntryField *filter = pageField(QStringLiteral("txtLPF") + n);
@@ -145,14 +126,7 @@ QWidget *frmQM730SYS_Sensor::buildDryWet()
         m_ctx.requests().writeParameter(Param::txtWetTemp, quint16(wordFromValue(Encoding::OFS, 0)));
         wet->setText(QStringLiteral("0"));
     });
-    auto *wetRow = new QWidget;
-    auto *h = new QHBoxLayout(wetRow);
-    h->setContentsMargins(0, 0, 0, 0);
-    h->addWidget(wet);
-    h->addWidget(new QLabel(kDegrees));
-    h->addWidget(init);
-    h->addStretch();
-    gridRow(grid, 1, QStringLiteral("濕球補正"), wetRow);
+    gridRow(grid, 1, QStringLiteral("濕球補正"), strip({wet, new QLabel(kDegrees), init}));
 
     const QList<QAbstractButton *> action =
         optionButtons(QStringLiteral("btnDryWetADJ_R"), {QStringLiteral("設定"), QStringLiteral("解除")});

@@ -2,6 +2,7 @@
 // another address than they are read from, the period that only an SSR
 // output has, the unit of the retransmission range, and the whole-number
 // offset.
+#include "ModalDriver.h"
 #include "PageFixture.h"
 #include "frmQM730SYS_Control.h"
 #include <QLabel>
@@ -89,6 +90,29 @@ private slots:
         f.click("btnRetTempOut", 1);
         QCOMPARE(f.mail(), (QList<int>{102, 77, 1}));
         QCOMPARE(unit->text(), QStringLiteral("[%]"));
+    }
+
+    void theAdjustButtonsOpenTheCurvesOfTheirOutput()
+    {
+        PageFixture f;
+        f.upRow(81, 10500); // temperature retransmission offset 5
+        f.upRow(97, 9800);  // humidity -2
+        f.open<frmQM730SYS_Control>();
+        QTimer *own = f.s.ActiveRefreshTimer;
+        ModalDriver d;
+        QList<double> offsets;
+        const auto readAndClose = [&](QWidget *w) {
+            offsets << child<QLineEdit>(*w, "txtOffset")->text().toDouble();
+            static_cast<QDialog *>(w)->reject();
+        };
+        d.then(readAndClose);
+        d.then(readAndClose);
+        f.click("btnAdjustT");
+        f.click("btnAdjustH");
+        QTRY_VERIFY(d.done());
+        QCOMPARE(d.met, (QStringList{"frmQM730SYS_Control_RevisionT", "frmQM730SYS_Control_RevisionH"}));
+        QCOMPARE(offsets, (QList<double>{5, -2}));
+        QCOMPARE(f.s.ActiveRefreshTimer.data(), own);
     }
 
     void revisionButtonsFromTheirFirmware()

@@ -2,6 +2,7 @@
 // type, the offset written to the legacy row of the highlighted type, the
 // filter clamped on Enter, the wet-bulb reset, the resolution, and what the
 // firmware shows.
+#include "ModalDriver.h"
 #include "PageFixture.h"
 #include "frmQM730SYS_Sensor.h"
 #include <QLabel>
@@ -112,6 +113,32 @@ private slots:
         QCOMPARE(f.mail(), (QList<int>{102, 40606, 1}));
         QCOMPARE(f.s.TempDecimals(), 1);
         QCOMPARE(f.field("txtTempSV_Range", 1)->text(), QStringLiteral("150.6"));
+    }
+
+    void theAdjustButtonsOpenTheCurvesOfTheirInput()
+    {
+        PageFixture f;
+        f.upRow(24, 1);
+        f.upRow(32, 10250); // temperature RTD offset 2.50
+        f.upRow(46, 2);
+        f.upRow(55, 9900); // humidity voltage offset -1.00
+        f.open<frmQM730SYS_Sensor>();
+        QTimer *own = f.s.ActiveRefreshTimer;
+        ModalDriver d;
+        QStringList offsets;
+        const auto readAndClose = [&](QWidget *w) {
+            offsets << child<QLineEdit>(*w, "txtOffset")->text();
+            QVERIFY(f.s.ActiveRefreshTimer != own);
+            static_cast<QDialog *>(w)->reject();
+        };
+        d.then(readAndClose);
+        d.then(readAndClose);
+        f.click("btnAdjustT");
+        f.click("btnAdjustH");
+        QTRY_VERIFY(d.done());
+        QCOMPARE(d.met, (QStringList{"frmQM730SYS_Sensor_RevisionT", "frmQM730SYS_Sensor_RevisionH"}));
+        QCOMPARE(offsets, (QStringList{"2.50", "-1.00"}));
+        QCOMPARE(f.s.ActiveRefreshTimer.data(), own);
     }
 
     void theFirmwareShowsWhatItHas()
