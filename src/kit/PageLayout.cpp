@@ -87,3 +87,10 @@ QTableWidget *pageTable(QWidget *parent, const QString &name, const QStringList 
     t->setWordWrap(false);
     return t;
 }
+
+void fitTableHeight(QTableWidget *t)
+{
+    t->resizeRowsToContents();
+    t->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    t->setFixedHeight(t->horizontalHeader()->sizeHint().height() + t->verticalHeader()->length() + 2 * t->frameWidth());
+}

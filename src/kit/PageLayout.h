@@ -36,3 +36,5 @@ QHBoxLayout *closeRow(QDialog *page, QWidget *left = nullptr);
 // sized to their text, no sorting.
 QTableWidget *pageTable(QWidget *parent, const QString &name, const QStringList &columnHeadings,
                         const QStringList &lineHeadings);
+// A short table as high as its lines: no scrolling and no empty space below.
+void fitTableHeight(QTableWidget *table);
