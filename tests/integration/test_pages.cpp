@@ -1,7 +1,7 @@
 // Parameter pages against the simulator in Modbus RTU: a table cell's edit
 // reaches the controller's row and the page shows the row as read back; the
-// run settings, their lock behind the block, and the password written as one
-// block of four rows.
+// run settings and their lock behind the block; and, in PC Link as well, the
+// password written as one range of four rows and a maker's line.
 #include "CellEdit.h"
 #include "ConsoleCore.h"
 #include "EntryField.h"
@@ -23,14 +23,13 @@ class PagesTest : public QObject {
 
     QString sim(const QString &query) { return m_sim->command(QStringLiteral("get 1 ") + query); }
 
-private slots:
-    void init()
+    void startLine(const QString &protocol)
     {
         m_sim = std::make_unique<SimProcess>(m_home.path() + QStringLiteral("/sim"));
         QDir().mkpath(m_home.path() + QStringLiteral("/sim"));
-        QVERIFY(m_sim->start({QStringLiteral("--machines"), QStringLiteral("1"), QStringLiteral("--protocol"),
-                              QStringLiteral("Modbus RTU"), QStringLiteral("--no-pace")}));
-        m_home.writePortCfg(QStringLiteral("Modbus RTU"));
+        QVERIFY(m_sim->start({QStringLiteral("--machines"), QStringLiteral("1"), QStringLiteral("--protocol"), protocol,
+                              QStringLiteral("--no-pace")}));
+        m_home.writePortCfg(protocol);
         m_home.mapPorts({QStringLiteral("COM1=") + m_sim->linkPath()});
         m_home.machines({true});
         m_core = std::make_unique<ConsoleCore>(m_home.path());
@@ -40,6 +39,8 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
         QVERIFY(s.image.isCurrentLayout());
     }
+
+private slots:
     void cleanup()
     {
         m_core.reset();
@@ -48,6 +49,9 @@ private slots:
 
     void aTableCellReachesTheController()
     {
+        startLine(QStringLiteral("Modbus RTU"));
+        if (QTest::currentTestFailed())
+            return;
         m_core->state().RefreshOnOpen = true; // as the menu opens a page
         frmQM730SYS_DO page(m_core->context());
         page.show();
@@ -69,6 +73,9 @@ private slots:
 
     void runSettingsReachTheController()
     {
+        startLine(QStringLiteral("Modbus RTU"));
+        if (QTest::currentTestFailed())
+            return;
         m_core->state().RefreshOnOpen = true; // as the menu opens a page
         frmQM730Func_Run page(m_core->context());
         page.show();
@@ -88,8 +95,18 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(child<EntryField>(page, "txtRun_Hour")->text(), QStringLiteral("48"), 5000);
     }
 
+    void passwordAndMakersLines_data()
+    {
+        QTest::addColumn<QString>("protocol");
+        QTest::newRow("PC Link") << QStringLiteral("PC Link");
+        QTest::newRow("Modbus RTU") << QStringLiteral("Modbus RTU");
+    }
     void passwordAndMakersLines()
     {
+        QFETCH(QString, protocol);
+        startLine(protocol);
+        if (QTest::currentTestFailed())
+            return;
         m_core->state().RefreshOnOpen = true; // as the menu opens a page
         frmQM730SYS_ETC page(m_core->context());
         page.show();
