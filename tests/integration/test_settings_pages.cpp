@@ -14,7 +14,7 @@
 #include <QPushButton>
 #include <QtTest>
 
-class PagesTest : public QObject {
+class SettingsPagesTest : public QObject {
     Q_OBJECT
 
     TestHome m_home;
@@ -130,5 +130,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(PagesTest)
-#include "test_pages.moc"
+QTEST_MAIN(SettingsPagesTest)
+#include "test_settings_pages.moc"
