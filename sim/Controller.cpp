@@ -254,6 +254,21 @@ void Controller::loadFactory(const ControllerSetup &setup)
     inner(2, SourceHumi, SignalDeviation, 5.0, -5.0);
     inner(3, SourceTemp, SignalPv, 200.0, 60.0);
 
+    // ON/OFF bands of the output lines T1 to T4 and H1 (current layout only):
+    // low, middle and high set values, then the up and down differences.
+    const auto difference = [&](double v) { return static_cast<quint16>(std::lround(v * (tenths ? 10 : 100))); };
+    for (int j = 0; j < 5; ++j) {
+        const bool humidity = j == 4;
+        const double middle = humidity ? 50.0 : 25.0 + 10.0 * j;
+        const double band = humidity ? 10.0 : 5.0;
+        const int c = 265 + 5 * j;
+        put(c, 0, signal(middle - band));
+        put(c + 1, 0, signal(middle));
+        put(c + 2, 0, signal(middle + band));
+        put(c + 3, 0, difference(humidity ? 2.0 : 1.0));
+        put(c + 4, 0, difference(humidity ? 2.0 : 1.0));
+    }
+
     // Password "0000", PID zones and sets.
     for (int i = 0; i < 4; ++i) {
         put(290 + i, 253 + i, '0');

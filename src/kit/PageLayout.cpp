@@ -153,3 +153,10 @@ void layOutPage(QDialog *page, QWidget *topLeft, QWidget *topRight, QWidget *bot
     grid->addWidget(bottomRight, 1, 1);
     layOutPage(page, grid);
 }
+
+void fitTableHeight(QTableWidget *t)
+{
+    t->resizeRowsToContents();
+    t->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    t->setFixedHeight(t->horizontalHeader()->sizeHint().height() + t->verticalHeader()->length() + 2 * t->frameWidth());
+}

@@ -55,3 +55,6 @@ QTableWidget *pageTable(QWidget *parent, const QString &name, const QStringList 
 void layOutPage(QDialog *page, QLayout *body, const QList<QWidget *> &buttons = {});
 // The same with four framed groups, two by two.
 void layOutPage(QDialog *page, QWidget *topLeft, QWidget *topRight, QWidget *bottomLeft, QWidget *bottomRight);
+
+// A short table as high as its lines: no scrolling and no empty space below.
+void fitTableHeight(QTableWidget *table);

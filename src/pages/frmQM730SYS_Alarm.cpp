@@ -37,7 +37,8 @@ frmQM730SYS_Alarm::frmQM730SYS_Alarm(ScreenContext &context, QWidget *parent)
                                           QStringLiteral("警報SV"), QStringLiteral("回差")},
                                          {QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"), QStringLiteral("4")});
     sprdSystem->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-    sprdSystem->setMinimumSize(460, 170);
+    sprdSystem->setMinimumWidth(460);
+    fitTableHeight(sprdSystem);
     m_table = new ParamTable(b, sprdSystem);
     for (int i = 1; i <= Alarms; ++i) {
         m_table->setText(i, TargetTemp, QStringLiteral("溫度"));

@@ -43,7 +43,7 @@ frmQM730SYS_DI::frmQM730SYS_DI(ScreenContext &context, QWidget *parent)
                   {QStringLiteral("功能"), QStringLiteral("動作"), QStringLiteral("D/I 編號")},
                   {QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")});
     sprdDI_State->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-    sprdDI_State->setMinimumHeight(130);
+    fitTableHeight(sprdDI_State);
     m_functions = new ParamTable(b, sprdDI_State);
     const QStringList functions{QStringLiteral("運轉/停止"), QStringLiteral("跳段"), QStringLiteral("保持")};
     for (int i = 1; i <= Functions; ++i) {
@@ -79,7 +79,8 @@ frmQM730SYS_DI::frmQM730SYS_DI(ScreenContext &context, QWidget *parent)
     QTableWidget *sprdDI = pageTable(this, QStringLiteral("sprdDI"),
                                      {QStringLiteral("名稱"), QStringLiteral("動作"), QStringLiteral("待機時間")}, inputs);
     sprdDI->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
-    sprdDI->setMinimumSize(420, 290);
+    sprdDI->setMinimumWidth(420);
+    fitTableHeight(sprdDI);
     m_inputs = new ParamTable(b, sprdDI);
     for (int i = 1; i <= Inputs; ++i) {
         const ParamRef ref(Param::sprdDI, i);

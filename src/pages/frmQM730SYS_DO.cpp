@@ -8,6 +8,7 @@
 #include "ScreenLayout.h"
 #include <QPushButton>
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
@@ -73,6 +74,7 @@ QTableWidget *doTable(QWidget *parent, const char *name, const QList<const char 
                                 {QStringLiteral("繼電器編號"), QStringLiteral("O/C編號"), QStringLiteral("設定值"),
                                  QStringLiteral("單位")},
                                 lines);
+    t->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     t->setMinimumSize(480, 520);
     return t;
 }
