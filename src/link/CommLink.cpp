@@ -211,25 +211,23 @@ void CommLink::writeModbus(const QByteArray &frame, int expectedReply)
     }
 }
 
-void CommLink::send_who(int m) { m_lastMachine = m; writeFrame(pclink::frame_who(m)); }
-void CommLink::send_rcv(int m) { m_lastMachine = m; writeFrame(pclink::frame_rcv(m)); }
-void CommLink::send_rcs(int m) { m_lastMachine = m; writeFrame(pclink::frame_rcs(m)); }
-void CommLink::send_rrp(int m, int i) { m_lastMachine = m; writeFrame(pclink::frame_rrp(m, i)); }
-void CommLink::send_rup(int m, int i) { m_lastMachine = m; writeFrame(pclink::frame_rup(m, i)); }
-void CommLink::send_rtd(int m, int i) { m_lastMachine = m; writeFrame(pclink::frame_rtd(m, i)); }
-void CommLink::send_rpd(int m, int p, int i) { m_lastMachine = m; writeFrame(pclink::frame_rpd(m, p, i)); }
-void CommLink::send_rsd(int m, int p, int s, int i) { m_lastMachine = m; writeFrame(pclink::frame_rsd(m, p, s, i)); }
-void CommLink::send_wrp(int m, int i, const QByteArray &d) { m_lastMachine = m; writeFrame(pclink::frame_wrp(m, i, d)); }
+void CommLink::send_who(int m) { writeFrame(pclink::frame_who(m)); }
+void CommLink::send_rcv(int m) { writeFrame(pclink::frame_rcv(m)); }
+void CommLink::send_rcs(int m) { writeFrame(pclink::frame_rcs(m)); }
+void CommLink::send_rrp(int m, int i) { writeFrame(pclink::frame_rrp(m, i)); }
+void CommLink::send_rup(int m, int i) { writeFrame(pclink::frame_rup(m, i)); }
+void CommLink::send_rtd(int m, int i) { writeFrame(pclink::frame_rtd(m, i)); }
+void CommLink::send_rpd(int m, int p, int i) { writeFrame(pclink::frame_rpd(m, p, i)); }
+void CommLink::send_rsd(int m, int p, int s, int i) { writeFrame(pclink::frame_rsd(m, p, s, i)); }
+void CommLink::send_wrp(int m, int i, const QByteArray &d) { writeFrame(pclink::frame_wrp(m, i, d)); }
 void CommLink::send_wup(int m, int i, const QByteArray &d, double fw)
 {
-    m_lastMachine = m;
     writeFrame(pclink::frame_wup(m, i, d, fw));
 }
-void CommLink::send_wtd(int m, int i, const QByteArray &d) { m_lastMachine = m; writeFrame(pclink::frame_wtd(m, i, d)); }
-void CommLink::send_wpd(int m, int p, int i, const QByteArray &d) { m_lastMachine = m; writeFrame(pclink::frame_wpd(m, p, i, d)); }
+void CommLink::send_wtd(int m, int i, const QByteArray &d) { writeFrame(pclink::frame_wtd(m, i, d)); }
+void CommLink::send_wpd(int m, int p, int i, const QByteArray &d) { writeFrame(pclink::frame_wpd(m, p, i, d)); }
 void CommLink::send_wsd(int m, int p, int s, int i, const QByteArray &d)
 {
-    m_lastMachine = m;
     writeFrame(pclink::frame_wsd(m, p, s, i, d));
 }
 
@@ -247,6 +245,7 @@ void CommLink::tmrSend_Timer()
         m_st.CmdIndex = m_st.ReqIndex;
         m_st.ReqCmd = 0;
         m_st.ReqIndex = 0;
+        m_textReadBack = false; // a request ends any chain under way
     }
     if (m_st.NextPollSlot >= 0) {
         m_st.PollSlot = m_st.NextPollSlot;

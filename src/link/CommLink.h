@@ -132,6 +132,7 @@ private:
     void moveToNextOnlineSlot();
     void statusStored(int slot, const std::optional<RcvWords> &rows);
     void refreshIfFlagged();
+    void textReadDone();
     void reportBulk(BulkTable table, int done, int total, bool finished = false);
     void textProgress(int row);
     void textsDone();
@@ -143,7 +144,7 @@ private:
     void sendChainNextPattern();
 
     // Store routines; each guards itself and logs to Err.LOG.
-    void Disp_RRP(int slot, const QByteArray &frame, int offset, int firstRow, int words);
+    void Disp_RRP(int slot, int index, QByteArrayView data);
     void Disp_RCV(int slot, const RcvWords &rows);
     void Disp_RUP(const QByteArray &frame, int offset, int firstRow, int words);
     void Disp_RUP_PLUS(const QByteArray &frame, int offset);
@@ -165,9 +166,9 @@ private:
     bool m_pendingBytes = false;
     bool m_commFileLog = false;
     bool m_sentSomething = false;
+    bool m_textReadBack = false; // the text read under way follows a text-row write
     int m_writeWaitAfterDispatch = 0;
     int m_retryBeforeReply = 0;
-    int m_lastMachine = 0;
     int m_expectedModbusLength = 0;
     QString m_lastOpenError;
     CommPort::OpenResult m_lastOpenResult = CommPort::OpenResult::Ok;

@@ -189,7 +189,7 @@ private slots:
         b.state.image.sprdTD.setText(1, 12 + 11, QStringLiteral("高溫測試"));
         b.rrp(Rrp::StartPattern, 12);
         frmQM730_RunSimple &form = b.open();
-        QCOMPARE(b.mail(), (QList<int>{4, 12, 0}));
+        QCOMPARE(b.mail(), (QList<int>{4, 12 + 11, 0})); // the pattern's name row
         QCOMPARE(form.LastPatternAsked(), 12);
         QCOMPARE(b.text("lblPTN_Name"), QStringLiteral("高溫測試"));
 
@@ -201,7 +201,7 @@ private slots:
         b.state.CommProtocol = QStringLiteral("Modbus RTU");
         b.rcv(Rcv::RunPattern, 30);
         b.tick();
-        QCOMPARE(b.mail(), (QList<int>{9001, 30, 0}));
+        QCOMPARE(b.mail(), (QList<int>{9003, 30 + 11, 0})); // the block of names 21 to 30
     }
 
     void saveSettingsDialogRefreshesTheTable()
