@@ -11,7 +11,6 @@
 #include "frmQM730_SysPass_Chk.h"
 #include <QButtonGroup>
 #include <QCloseEvent>
-#include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -483,8 +482,8 @@ void frmQM730_Main::mHelpLock_Click()
 
 void frmQM730_Main::openBesideProgram(const QString &relative, bool program)
 {
-    const QString path = m_core.state().path(relative);
-    if (!QFileInfo::exists(path) || !shellOpen(path, program))
+    QString path;
+    if (!shellOpenBesideProgram(m_core.state().home, relative, program, &path))
         showConsoleMessage(this, QStringLiteral("無法開啟檔案 : ") + path);
 }
 

@@ -1,6 +1,7 @@
 // Operator actions of the single-chamber console and what they leave in the
 // scheduler's mailbox; the edit flags that keep the refresh off a field.
 #include "RunFixture.h"
+#include "ShellOpen.h"
 #include "SaveSettings.h"
 #include "frmQM730_Set_DSave.h"
 #include <QComboBox>
@@ -247,6 +248,24 @@ private slots:
         QVERIFY(notice && notice->isVisible());
         QVERIFY(notice->text().contains(QStringLiteral("QM730_GView.exe")));
         notice->close();
+    }
+
+    void graphViewerIsStartedFromTheProgramsFolder()
+    {
+        RunBench b;
+        QStringList started;
+        setShellOpenHandler([&started](const QString &target, bool program) {
+            started << (program ? "run " : "open ") + target;
+            return true;
+        });
+        QFile viewer(b.home.filePath(QStringLiteral("QM730_GView.exe")));
+        QVERIFY(viewer.open(QIODevice::WriteOnly));
+        viewer.close();
+        frmQM730_RunSimple &form = b.open();
+        QTest::mouseClick(b.find<QPushButton>("btnGrpView"), Qt::LeftButton);
+        setShellOpenHandler({});
+        QCOMPARE(started, QStringList{"run " + viewer.fileName()});
+        QVERIFY(!form.findChild<QMessageBox *>());
     }
 
     void loadAndUnload()
