@@ -27,6 +27,9 @@ CommLink::CommLink(ConsoleState &state, CommPort &port, QObject *parent)
     connect(&m_writeWaitTimer, &QTimer::timeout, this, &CommLink::finishWriteWait);
     connect(&m_port, &CommPort::dataReceived, this, &CommLink::onDataReceived);
     connect(&m_port, &CommPort::bytesWaiting, this, &CommLink::onBytesWaiting);
+    connect(&m_port, &CommPort::lost, this, &CommLink::portLost);
+    m_reopenTimer.setInterval(ReopenCheckMs);
+    connect(&m_reopenTimer, &QTimer::timeout, this, &CommLink::reopenTick);
 }
 
 // ---------------------------------------------------------------- port
@@ -42,11 +45,13 @@ bool CommLink::CommPort_Open()
         return false;
     }
     m_lastOpenError.clear();
+    m_openDevice = device;
     return true;
 }
 
 bool CommLink::CommPort_Close()
 {
+    m_reopenTimer.stop();
     if (m_port.isOpen())
         m_port.close();
     return true;
@@ -56,6 +61,13 @@ bool CommLink::openLink()
 {
     if (!CommPort_Open())
         return false;
+    m_reopenTimer.stop();
+    beginScan();
+    return true;
+}
+
+void CommLink::beginScan()
+{
     m_port.clearInput();
     m_st.setStatusPanel(3, QStringLiteral("OPEN"));
     emit portStateChanged(true);
@@ -74,7 +86,6 @@ bool CommLink::openLink()
                        .arg(m_st.CommSettingsText(), m_st.CommProtocol)
                        .arg(m_st.machines.size()));
     tmrSend.start();
-    return true;
 }
 
 bool CommLink::closeLink()
@@ -93,6 +104,57 @@ bool CommLink::closeLink()
     emit machineTableChanged();
     emit linkEvent(QStringLiteral("port closed"));
     return true;
+}
+
+// ---------------------------------------------------------------- a line that goes away
+
+// The device went away while open (an adapter pulled, the far end closed).
+// The port is closed as the operator would close it, every machine counts as
+// silent, and the same device is looked for once a second until it is back.
+void CommLink::portLost(int error, const QString &why)
+{
+    if (!m_port.isOpen())
+        return;
+    ConsoleState &s = m_st;
+    m_lostLine = LostLine{m_openDevice, s.CommPortNo, s.CommSettingsText(), s.CommProtocol};
+    WriteErrorLog(s.home, error, QStringLiteral("%1: %2").arg(m_openDevice, why), QStringLiteral("MSComm1_OnComm"));
+    closeLink();
+    // No reply is coming from a line that is not there.
+    tmrRecvErr.stop();
+    s.RetryCount = 0;
+    for (MachineSlot &m : s.machines)
+        m.MachineOnline = false;
+    s.setStatusPanel(4, QStringLiteral("通訊端口中斷 [") + m_openDevice + u']');
+    emit lineLost();
+    emit linkEvent(QStringLiteral("line lost (%1: %2): port closed; reopening it when it is back").arg(m_openDevice, why));
+    m_reopenTimer.start();
+}
+
+void CommLink::reopenTick()
+{
+    ConsoleState &s = m_st;
+    if (m_port.isOpen()) {
+        m_reopenTimer.stop(); // the operator opened a port meanwhile
+        return;
+    }
+    if (s.CommPortNo != m_lostLine.portNo || s.CommSettingsText() != m_lostLine.settings
+        || s.CommProtocol != m_lostLine.protocol) {
+        // New port settings: the operator opens the port of their choice.
+        m_reopenTimer.stop();
+        emit linkEvent(QStringLiteral("port settings changed: %1 is no longer reopened").arg(m_lostLine.device));
+        return;
+    }
+    if (m_port.open(m_lostLine.device, m_lostLine.settings) != CommPort::OpenResult::Ok)
+        return; // not back yet, or held by another program: look again in a second
+    m_reopenTimer.stop();
+    m_openDevice = m_lostLine.device;
+    m_lastOpenError.clear();
+    // A request posted while the line was away could go to no machine before
+    // the scan has found one; the scan comes first.
+    s.ReqCmd = 0;
+    s.ReqIndex = 0;
+    emit linkEvent(QStringLiteral("line back: %1 reopened").arg(m_openDevice));
+    beginScan();
 }
 
 int CommLink::baudTimeoutExtra(const QString &baud)

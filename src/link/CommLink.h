@@ -31,6 +31,11 @@ public:
     bool CommPort_Open();
     bool CommPort_Close();
     bool isPortOpen() const { return m_port.isOpen(); }
+    // The device went away while open: the port is closed and the same device
+    // is looked for every ReopenCheckMs until it is back; then it is opened
+    // and scanned as the operator's open does.
+    bool reopening() const { return m_reopenTimer.isActive(); }
+    static constexpr int ReopenCheckMs = 1000;
     QString lastOpenError() const { return m_lastOpenError; }
     CommPort::OpenResult lastOpenResult() const { return m_lastOpenResult; }
 
@@ -94,6 +99,7 @@ signals:
     void machineTableChanged();             // sprdStatus changed
     void pollCompleted(int slot);           // RCV of a slot stored
     void linkEvent(const QString &text);    // one line per change of link state
+    void lineLost();                        // the device went away; the port is closed
     // Bulk transfers: where the job of bulkJob stands, and its end.
     void bulkProgress(const BulkProgress &progress);
     void bulkFinished(BulkJob job);
@@ -112,6 +118,9 @@ private:
     // Scheduler
     void sendPcLinkState(int machineP, int machineF);
     void sendModbusState(int machineP, int machineF);
+    void beginScan();
+    void portLost(int error, const QString &why);
+    void reopenTick();
     void writeFrame(const QByteArray &frame);
     void writeModbus(const QByteArray &frame, int expectedReply);
     int slotMachine(int slot) const;
@@ -171,6 +180,14 @@ private:
     int m_retryBeforeReply = 0;
     int m_expectedModbusLength = 0;
     QString m_lastOpenError;
+    QString m_openDevice; // the device of the open port
+    struct LostLine {
+        QString device;
+        int portNo = 0;
+        QString settings;
+        QString protocol;
+    } m_lostLine;
+    QTimer m_reopenTimer;
     CommPort::OpenResult m_lastOpenResult = CommPort::OpenResult::Ok;
 };
 

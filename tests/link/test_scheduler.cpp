@@ -4,6 +4,7 @@
 #include "LinkHarness.h"
 #include "LiveStatus.h"
 #include <QFile>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QtTest>
 #include <algorithm>
@@ -255,6 +256,76 @@ private slots:
         h.port.feed(reply);
         QTRY_COMPARE(h.state->statusPanel(4), QStringLiteral("機號 [2] : 通訊不良"));
         QCOMPARE(h.state->sprdCommState.text(4, 2), QStringLiteral("1"));
+    }
+
+    // A device that goes away while open: the port is closed (and says so),
+    // the cause is logged, and the same device is looked for about once a
+    // second until it is back; then the scan runs and polling goes on.
+    void lostLineIsClosedAndReopenedWhenBack()
+    {
+        LinkHarness h;
+        FakeLine line;
+        connectLine(h, line);
+        const QString device = h.port.openedDevice;
+        QSignalSpy lost(h.link.get(), &CommLink::lineLost);
+        QSignalSpy portState(h.link.get(), &CommLink::portStateChanged);
+
+        h.port.vanish();
+        QTRY_COMPARE(lost.size(), 1);
+        h.state->requests().writeRunWord(Rrp::Run, 1); // posted while the line is away
+        QVERIFY(!h.port.isOpen());
+        QVERIFY(h.link->reopening());
+        QCOMPARE(portState.last().first().toBool(), false);
+        QCOMPARE(h.state->statusPanel(3), QStringLiteral("CLOSE"));
+        QVERIFY(!h.state->machines[0].MachineOnline);
+        QFile errLog(h.dir.filePath("Err.LOG"));
+        QVERIFY(errLog.open(QIODevice::ReadOnly));
+        const QStringList log = QString::fromUtf8(errLog.readAll()).split("\r\n", Qt::SkipEmptyParts);
+        QCOMPARE(log.size(), 1);
+        QVERIFY2(QRegularExpression("^\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d,9,.*Resource error,MSComm1_OnComm$")
+                     .match(log[0]).hasMatch(), qPrintable(log[0]));
+
+        // Looked for about once a second, not in a loop.
+        const int attempts = h.port.openAttempts;
+        QTest::qWait(2500);
+        QVERIFY(!h.port.isOpen());
+        QVERIFY2(h.port.openAttempts - attempts >= 1 && h.port.openAttempts - attempts <= 4,
+                 qPrintable(QString::number(h.port.openAttempts - attempts)));
+
+        const qsizetype before = line.seen.size();
+        h.port.present = true;
+        QTRY_VERIFY_WITH_TIMEOUT(h.port.isOpen(), 3000);
+        QCOMPARE(h.port.openedDevice, device);
+        QVERIFY(!h.link->reopening());
+        QCOMPARE(h.state->statusPanel(3), QStringLiteral("OPEN"));
+        QTRY_COMPARE(h.state->CmdState, 2);
+        const QByteArrayList after = commands(line).mid(before);
+        QCOMPARE(after.first(), QByteArray("WHO"));  // the opening scan first
+        QVERIFY(!after.contains("WRP"));             // the request of the time away is dropped
+        QVERIFY(h.state->machines[0].MachineOnline);
+        QCOMPARE(lost.size(), 1);
+    }
+
+    void lostLineIsNotReopenedUnderNewSettings()
+    {
+        LinkHarness h;
+        FakeLine line;
+        connectLine(h, line);
+        h.port.vanish();
+        QTRY_VERIFY(h.link->reopening());
+        h.state->CommPortNo = 2; // the operator chose another port meanwhile
+        h.port.present = true;
+        QTRY_VERIFY(!h.link->reopening());
+        QTest::qWait(1200);
+        QVERIFY(!h.port.isOpen());
+        // The operator's own open ends the looking too.
+        h.state->CommPortNo = 1;
+        QVERIFY(h.open());
+        h.port.vanish();
+        QTRY_VERIFY(h.link->reopening());
+        h.port.present = true;
+        QVERIFY(h.open());
+        QVERIFY(!h.link->reopening());
     }
 
     void screenCaptureWritesTheBitmapAndPollingGoesOn()
