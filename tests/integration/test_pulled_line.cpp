@@ -251,8 +251,11 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(!after("line lost").startsWith("(no line"), 5000);
         QTest::qWait(2500);
         QCOMPARE(sim.command("plug"), QString("ok"));
+        QElapsedTimer back;
+        back.start();
         QTRY_VERIFY_WITH_TIMEOUT(!after("line back").startsWith("(no line"), 5000);
         QTRY_VERIFY_WITH_TIMEOUT(polled(after("line back")), 10000);
+        qInfo("headless: polling again %lld ms after the line came back", back.elapsed());
 
         console.terminate();
         QVERIFY(console.waitForFinished(10000));
