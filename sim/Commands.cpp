@@ -94,11 +94,48 @@ std::optional<QString> Commands::execute(const QString &line)
             m_clock.setSpeed(v);
         return QStringLiteral("ok");
     }
+    if (cmd == QLatin1String("unplug") || cmd == QLatin1String("plug")) {
+        if (t.size() != 1)
+            return error(QStringLiteral("usage: %1").arg(cmd));
+        if (!m_lineSwitch)
+            return error(QStringLiteral("this line cannot be unplugged"));
+        return m_lineSwitch(cmd == QLatin1String("plug"));
+    }
     if (cmd == QLatin1String("quit")) {
         m_quit();
         return QStringLiteral("ok");
     }
     return error(QStringLiteral("unknown command %1").arg(t[0]));
+}
+
+QString Commands::help()
+{
+    QString text = QStringLiteral(
+        "Control commands, one a line on the --control socket or in a --script file;\n"
+        "each answers \"ok\", \"error: ...\" or the value asked for:\n"
+        "  fault <machine|all> <fault> on|off [ms]   switch a fault (below) on or off\n"
+        "  set <machine> pv|hpv <word|auto>           pin the temperature or humidity PV word;\n"
+        "                                             auto gives it back to the chamber\n"
+        "  set <machine> rcv <row> <word|auto>        pin a row of the present values\n"
+        "  set <machine> rrp|up|upplus <row> <word>   a run, parameter or extension row\n"
+        "  set <machine> pd <pattern> <word> <value>  a word of a pattern\n"
+        "  set <machine> sd <pattern> <segment> <word> <value>\n"
+        "                                             a word of a segment\n"
+        "  set <machine> td <row> <text>              a text row (Big5 on the line)\n"
+        "  get <machine> rrp|rcv|up|upplus|reg <n>    a row, or a Modbus register\n"
+        "  get <machine> pd <p> <w> | sd <p> <s> <w> | td <row>\n"
+        "  stats [<machine>|clear]                    requests received and answered per machine\n"
+        "  log [clear]                                every frame the line received, in hex\n"
+        "  tick <seconds>                             move the chambers' clock on\n"
+        "  speed <factor>                             run the chambers this many times faster\n"
+        "  unplug                                     take the pseudo-terminal away, as a pulled\n"
+        "                                             adapter does (its link goes too)\n"
+        "  plug                                       a new pseudo-terminal under the same link\n"
+        "  quit                                       end the simulator\n"
+        "Faults:\n");
+    for (const auto &[name, what] : faultHelp())
+        text += QStringLiteral("  %1 %2\n").arg(name.leftJustified(13), what);
+    return text;
 }
 
 QString Commands::fault(const QStringList &t)

@@ -20,6 +20,13 @@ public:
     // No value for a blank or comment line, which needs no answer.
     std::optional<QString> execute(const QString &line);
 
+    // What unplug and plug do to the line (true: plug in); the answer is
+    // that of the command. Without it both answer with an error.
+    void setLineSwitch(std::function<QString(bool plugIn)> lineSwitch) { m_lineSwitch = std::move(lineSwitch); }
+
+    // The commands and the faults, for --help.
+    static QString help();
+
 private:
     QString fault(const QStringList &t);
     QString set(const QStringList &t, const QString &line);
@@ -28,6 +35,7 @@ private:
     Line &m_line;
     SimClock &m_clock;
     std::function<void()> m_quit;
+    std::function<QString(bool)> m_lineSwitch;
 };
 
 class ControlServer : public QObject {

@@ -11,11 +11,23 @@ constexpr size_t LogLimit = 10000;
 // Noise put in front of a reply: no STX among it, so a PC Link scanner can drop it.
 const QByteArray NoiseBytes("\x55\xAA\xFF\x00\x13\x7E", 6);
 
-const std::pair<const char *, Fault> FaultNames[] = {
-    {"silent", Fault::Silent},   {"split", Fault::Split},         {"noise", Fault::Noise},
-    {"badsum", Fault::BadSum},   {"badetx", Fault::BadEtx},       {"exception", Fault::Exception},
-    {"delay", Fault::Delay},     {"wrongmachine", Fault::WrongMachine}, {"short", Fault::Short},
-    {"noqm", Fault::NoQm},       {"badetxgood", Fault::BadEtxThenGood},
+struct FaultName {
+    const char *name;
+    Fault fault;
+    const char *help;
+};
+const FaultName FaultNames[] = {
+    {"silent", Fault::Silent, "no reply at all"},
+    {"split", Fault::Split, "the reply in two halves, the second [ms] later (default 100)"},
+    {"noise", Fault::Noise, "six bytes without STX in front of the reply"},
+    {"badsum", Fault::BadSum, "a wrong sum (PC Link + crc) or CRC (Modbus RTU)"},
+    {"badetx", Fault::BadEtx, "the ETX of the reply replaced (PC Link)"},
+    {"badetxgood", Fault::BadEtxThenGood, "a copy with a broken ETX, the good reply right behind it (PC Link)"},
+    {"exception", Fault::Exception, "a refusal without \",OK,\" (PC Link) or an exception reply (Modbus RTU)"},
+    {"delay", Fault::Delay, "the reply [ms] later than usual (default 1000)"},
+    {"wrongmachine", Fault::WrongMachine, "the reply under the next machine number"},
+    {"short", Fault::Short, "the last byte of the reply missing"},
+    {"noqm", Fault::NoQm, "a WHO reply without \"QM\""},
 };
 
 } // namespace
@@ -45,10 +57,18 @@ std::optional<Protocol> parseProtocol(const QString &name)
 
 std::optional<Fault> parseFault(const QString &name)
 {
-    for (const auto &[text, fault] : FaultNames)
-        if (name == QLatin1String(text))
-            return fault;
+    for (const FaultName &f : FaultNames)
+        if (name == QLatin1String(f.name))
+            return f.fault;
     return std::nullopt;
+}
+
+QList<std::pair<QString, QString>> faultHelp()
+{
+    QList<std::pair<QString, QString>> out;
+    for (const FaultName &f : FaultNames)
+        out.append({QLatin1String(f.name), QLatin1String(f.help)});
+    return out;
 }
 
 bool Line::Faults::has(Fault f) const

@@ -22,6 +22,8 @@ std::optional<Protocol> parseProtocol(const QString &name);
 
 enum class Fault { Silent, Split, Noise, BadSum, BadEtx, BadEtxThenGood, Exception, Delay, WrongMachine, Short, NoQm };
 std::optional<Fault> parseFault(const QString &name);
+// Every fault by its name, each with what it does to a reply.
+QList<std::pair<QString, QString>> faultHelp();
 
 // One piece of output, written after a pause counted from the end of the piece before.
 struct Piece {

@@ -68,15 +68,50 @@ SerialEndpoint::SerialEndpoint(int baud, bool pace, QObject *parent)
 
 SerialEndpoint::~SerialEndpoint()
 {
+    closeDevice();
+}
+
+void SerialEndpoint::closeDevice()
+{
     if (!m_link.isEmpty()) {
         // Remove the link only while it still points to this simulator's device.
         if (QFile::symLinkTarget(m_link) == m_device)
             ::unlink(QFile::encodeName(m_link).constData());
     }
+    delete m_notifier;
+    m_notifier = nullptr;
+    m_rearm.stop();
+    m_pump.stop();
+    m_queue.clear();
     if (m_fd >= 0)
         ::close(m_fd);
     if (m_slaveFd >= 0)
         ::close(m_slaveFd);
+    m_fd = -1;
+    m_slaveFd = -1;
+}
+
+bool SerialEndpoint::unplug(QString *error)
+{
+    if (m_link.isEmpty() || m_slaveFd < 0) {
+        *error = m_fd < 0 ? QStringLiteral("the line is unplugged already")
+                          : QStringLiteral("only a pseudo-terminal under --link can be unplugged");
+        return false;
+    }
+    closeDevice();
+    return true;
+}
+
+bool SerialEndpoint::plug(QString *error)
+{
+    if (m_link.isEmpty() || m_fd >= 0) {
+        *error = m_fd >= 0 ? QStringLiteral("the line is plugged in already")
+                           : QStringLiteral("only a pseudo-terminal under --link can be plugged in");
+        return false;
+    }
+    const QString link = m_link;
+    m_link.clear();
+    return openPty(error) && makeLink(link, error);
 }
 
 bool SerialEndpoint::openPty(QString *error)

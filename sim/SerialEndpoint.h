@@ -25,6 +25,12 @@ public:
     bool makeLink(const QString &link, QString *error);
     QString deviceName() const { return m_device; }
 
+    // The line taken away as a pulled adapter takes it: the pseudo-terminal
+    // closes, so that the far side sees its device vanish, and the link goes.
+    bool unplug(QString *error);
+    // A new pseudo-terminal under the same link.
+    bool plug(QString *error);
+
 public slots:
     void send(const QList<Piece> &pieces);
 
@@ -33,6 +39,7 @@ signals:
 
 private:
     void startReading();
+    void closeDevice();
     void onReadable();
     void pump();
 

@@ -87,7 +87,7 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("qm730-sim"));
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Simulated QM730 controllers on a serial line."));
+    parser.setApplicationDescription(QStringLiteral("Simulated QM730 controllers on a serial line.\n\n") + Commands::help());
     parser.addHelpOption();
     const QCommandLineOption linkOpt(QStringLiteral("link"), QStringLiteral("Make PATH a symbolic link to the pseudo-terminal."), QStringLiteral("PATH"));
     const QCommandLineOption portOpt(QStringLiteral("port"), QStringLiteral("Serve an existing serial device instead of a pseudo-terminal."), QStringLiteral("DEV"));
@@ -185,6 +185,11 @@ int main(int argc, char *argv[])
                 return fail(QStringLiteral("%1:%2: %3").arg(script.fileName()).arg(lineNo).arg(*answer));
         }
     }
+    commands.setLineSwitch([&endpoint](bool plugIn) {
+        QString why;
+        const bool done = plugIn ? endpoint.plug(&why) : endpoint.unplug(&why);
+        return done ? QStringLiteral("ok") : QStringLiteral("error: ") + why;
+    });
     ControlServer control(commands);
     if (parser.isSet(controlOpt) && !control.listen(parser.value(controlOpt), &error))
         return fail(error);

@@ -132,14 +132,23 @@ CommMonitor::CommMonitor(ConsoleState &state, QWidget *parent) : QWidget(parent)
 
     m_counterTimer.setInterval(250);
     connect(&m_counterTimer, &QTimer::timeout, this, &CommMonitor::refreshCounters);
-    // Keep the newest frame in sight when the view was at the bottom.
+    // The view follows new frames while it stands at the end, and keeps its
+    // place once the user has scrolled up. Where it stands is taken before the
+    // rows come, while the scroll range still matches the rows shown.
+    connect(m_monitor, &QAbstractItemModel::rowsAboutToBeInserted, this, [this] {
+        if (sprdComm->isVisible())
+            m_followNewest = atEnd();
+    });
     connect(m_monitor, &QAbstractItemModel::rowsInserted, this, [this] {
-        if (!sprdComm->isVisible())
-            return;
-        QScrollBar *bar = sprdComm->verticalScrollBar();
-        if (bar->value() >= bar->maximum() - 1)
+        if (m_followNewest && sprdComm->isVisible())
             sprdComm->scrollToBottom();
     });
+}
+
+bool CommMonitor::atEnd() const
+{
+    const QScrollBar *bar = sprdComm->verticalScrollBar();
+    return bar->value() >= bar->maximum();
 }
 
 void CommMonitor::comm_log_add(const QString &label, const QByteArray &bytes)
@@ -163,6 +172,10 @@ void CommMonitor::showEvent(QShowEvent *event)
     refreshCounters();
     m_counterTimer.start();
     QWidget::showEvent(event);
+    // Frames that came while the panel was hidden: a view that stood at the
+    // end shows the newest.
+    if (m_followNewest)
+        QTimer::singleShot(0, sprdComm, [this] { sprdComm->scrollToBottom(); });
 }
 
 void CommMonitor::hideEvent(QHideEvent *event)

@@ -61,6 +61,7 @@ protected:
 
 private:
     void btnCountClear_Click();
+    bool atEnd() const;
 
     ConsoleState &m_st;
     CommMonitorModel *m_monitor;
@@ -69,4 +70,5 @@ private:
     QTableView *sprdCommState;
     QPushButton *btnCountClear;
     QTimer m_counterTimer;
+    bool m_followNewest = true; // the view stood at the end when frames last came
 };

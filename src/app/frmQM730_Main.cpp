@@ -11,7 +11,6 @@
 #include "frmQM730_SysPass_Chk.h"
 #include <QButtonGroup>
 #include <QCloseEvent>
-#include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -483,8 +482,8 @@ void frmQM730_Main::mHelpLock_Click()
 
 void frmQM730_Main::openBesideProgram(const QString &relative, bool program)
 {
-    const QString path = m_core.state().path(relative);
-    if (!QFileInfo::exists(path) || !shellOpen(path, program))
+    QString path;
+    if (!shellOpenBesideProgram(m_core.state().home, relative, program, &path))
         showConsoleMessage(this, QStringLiteral("無法開啟檔案 : ") + path);
 }
 
@@ -503,10 +502,7 @@ void frmQM730_Main::sprdStatus_Click(const QModelIndex &index)
         lblMC_No->setText(t.text(1, row));
         s.setStatusPanel(4, QString());
         s.applyFirmwareOfRow(row);
-        // The program image belongs to one machine: a new one starts empty.
-        if (machine != s.CurrentMachine)
-            s.image.clearLoadedFlags();
-        s.CurrentMachine = machine;
+        s.setCurrentMachine(machine);
     } else if (color == TextTable::White) {
         s.setStatusPanel(4, QStringLiteral("開啟通訊端口"));
     } else {

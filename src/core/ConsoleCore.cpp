@@ -12,6 +12,7 @@ ConsoleCore::ConsoleCore(const QString &home, std::unique_ptr<CommPort> port, co
     m_link = std::make_unique<CommLink>(m_state, *m_port);
     m_recorder = std::make_unique<Recorder>(m_state, [this] { return m_port->isOpen(); }, mailSender);
     m_link->setStatusListener(m_recorder.get());
+    connect(m_link.get(), &CommLink::lineLost, m_recorder.get(), &Recorder::lineLost);
     m_context = std::make_unique<ScreenContext>(ScreenContext{m_state, *m_link, *m_recorder});
     tmrRefresh.setInterval(50);
     tmrRefresh.setSingleShot(true);

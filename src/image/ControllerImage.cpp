@@ -12,6 +12,14 @@ void ControllerImage::clearLoadedFlags()
     PatternNameLoaded.fill(false);
 }
 
+void ControllerImage::setProgramMachine(int machine)
+{
+    if (machine == m_programMachine)
+        return;
+    clearLoadedFlags();
+    m_programMachine = machine;
+}
+
 int ControllerImage::upRowsFor(double v)
 {
     if (Firmware::atLeast(v, Firmware::CurrentLayout))

@@ -31,6 +31,11 @@ public:
     std::array<bool, MaxPatterns> PatternLoaded{};
     std::array<bool, MaxPatterns> PatternNameLoaded{};
     void clearLoadedFlags();
+    // The machine whose programs the flags mark (0: none yet). The image holds
+    // one machine's programs: another machine starts with no row loaded, so
+    // that one machine's programs are never shown for, or cached as, another's.
+    int programMachine() const { return m_programMachine; }
+    void setProgramMachine(int machine);
 
     // Firmware of the foreground machine and what it fixes.
     double firmwareVersion() const { return m_firmware; }
@@ -54,4 +59,5 @@ private:
     double m_firmware = 0;
     int m_patternCount = 300;
     int m_tempDecimals = 0;
+    int m_programMachine = 0;
 };

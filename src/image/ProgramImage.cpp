@@ -140,10 +140,7 @@ static QString ptnRecvOptPath(const QString &home)
 int readPtnRecvOpt(const QString &home)
 {
     const auto lines = readTextLines(ptnRecvOptPath(home));
-    if (!lines || lines->isEmpty())
-        return -1;
-    const int index = leadingInt(lines->first());
-    return index == 0 || index == 1 ? index : -1;
+    return lines && !lines->isEmpty() && leadingInt(lines->first()) == 1 ? 1 : 0;
 }
 
 bool writePtnRecvOpt(const QString &home, int index)

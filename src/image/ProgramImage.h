@@ -126,9 +126,9 @@ bool SaveProgramCache(const ControllerImage &image, const QString &home, int mac
 // ---- Option file ----------------------------------------------------------
 
 // <home>/PTN_Recv.OPT: one line with the index of optPTN_Data, 0 from the
-// controller, 1 from file. Reading gives -1 (nothing selected) when the file
-// is missing or empty or its first line is not 0 or 1; the line is read the
-// lenient way, so text without a number reads as 0.
+// controller, 1 from file. Reading gives 1 only for a first line that reads
+// 1 (the lenient way); a missing or empty file, or any other number, gives
+// the default 0, so one of the two options is always chosen.
 int readPtnRecvOpt(const QString &home);
 // Rewrites the file with the index (0 or 1 only; false for others or on failure).
 bool writePtnRecvOpt(const QString &home, int index);

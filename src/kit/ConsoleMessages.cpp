@@ -1,5 +1,4 @@
 #include "ConsoleMessages.h"
-#include <QGuiApplication>
 #include <QDialog>
 #include <QHBoxLayout>
 #include <QMessageBox>
@@ -7,8 +6,9 @@
 
 void showConsoleMessage(QWidget *parent, const QString &text, const QString &title)
 {
-    QMessageBox box(QMessageBox::NoIcon, title.isEmpty() ? QGuiApplication::applicationDisplayName() : title, text,
-                    QMessageBox::Ok, parent);
+    // A message without a title of its own carries the program's name.
+    QMessageBox box(QMessageBox::NoIcon, title.isEmpty() ? QStringLiteral("QM730") : title, text, QMessageBox::Ok,
+                    parent);
     box.setObjectName(QStringLiteral("MsgBox"));
     box.exec();
 }

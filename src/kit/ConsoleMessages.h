@@ -10,7 +10,7 @@ class QWidget;
 // named "MsgBox" and run with exec(), so while it is open it is the active
 // modal widget.
 
-// A message with an OK button; the title is the application's name when empty.
+// A message with an OK button; the title is "QM730" when empty.
 void showConsoleMessage(QWidget *parent, const QString &text, const QString &title = {});
 // A question with Yes and No, No being the default; true for Yes.
 bool askConsoleYesNo(QWidget *parent, const QString &text, const QString &title);

@@ -8,6 +8,7 @@ class QDialog;
 class QHBoxLayout;
 class QGridLayout;
 class QLayout;
+class QGroupBox;
 class QLabel;
 class QTableWidget;
 class QWidget;

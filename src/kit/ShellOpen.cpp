@@ -1,4 +1,5 @@
 #include "ShellOpen.h"
+#include "Files.h"
 #include <QDesktopServices>
 #include <QFileInfo>
 #include <QProcess>
@@ -25,4 +26,12 @@ bool shellOpen(const QString &target, bool program)
         return QProcess::startDetached(target, {}, QFileInfo(target).absolutePath());
     const QUrl url = target.contains(QLatin1String("://")) ? QUrl(target) : QUrl::fromLocalFile(target);
     return QDesktopServices::openUrl(url);
+}
+
+bool shellOpenBesideProgram(const QString &home, const QString &relative, bool program, QString *path)
+{
+    const QString full = programPath(home, relative);
+    if (path)
+        *path = full;
+    return QFileInfo::exists(full) && shellOpen(full, program);
 }

@@ -29,6 +29,9 @@ CommLink::CommLink(ConsoleState &state, CommPort &port, QObject *parent)
     connect(&m_writeWaitTimer, &QTimer::timeout, this, &CommLink::finishWriteWait);
     connect(&m_port, &CommPort::dataReceived, this, &CommLink::onDataReceived);
     connect(&m_port, &CommPort::bytesWaiting, this, &CommLink::onBytesWaiting);
+    connect(&m_port, &CommPort::lost, this, &CommLink::portLost);
+    m_reopenTimer.setInterval(ReopenCheckMs);
+    connect(&m_reopenTimer, &QTimer::timeout, this, &CommLink::reopenTick);
 }
 
 // ---------------------------------------------------------------- port
@@ -44,11 +47,13 @@ bool CommLink::CommPort_Open()
         return false;
     }
     m_lastOpenError.clear();
+    m_openDevice = device;
     return true;
 }
 
 bool CommLink::CommPort_Close()
 {
+    m_reopenTimer.stop();
     if (m_port.isOpen())
         m_port.close();
     return true;
@@ -58,6 +63,13 @@ bool CommLink::openLink()
 {
     if (!CommPort_Open())
         return false;
+    m_reopenTimer.stop();
+    beginScan();
+    return true;
+}
+
+void CommLink::beginScan()
+{
     m_port.clearInput();
     m_st.setStatusPanel(3, QStringLiteral("OPEN"));
     emit portStateChanged(true);
@@ -76,7 +88,6 @@ bool CommLink::openLink()
                        .arg(m_st.CommSettingsText(), m_st.CommProtocol)
                        .arg(m_st.machines.size()));
     tmrSend.start();
-    return true;
 }
 
 bool CommLink::closeLink()
@@ -95,6 +106,57 @@ bool CommLink::closeLink()
     emit machineTableChanged();
     emit linkEvent(QStringLiteral("port closed"));
     return true;
+}
+
+// ---------------------------------------------------------------- a line that goes away
+
+// The device went away while open (an adapter pulled, the far end closed).
+// The port is closed as the operator would close it, every machine counts as
+// silent, and the same device is looked for once a second until it is back.
+void CommLink::portLost(int error, const QString &why)
+{
+    if (!m_port.isOpen())
+        return;
+    ConsoleState &s = m_st;
+    m_lostLine = LostLine{m_openDevice, s.CommPortNo, s.CommSettingsText(), s.CommProtocol};
+    WriteErrorLog(s.home, error, QStringLiteral("%1: %2").arg(m_openDevice, why), QStringLiteral("MSComm1_OnComm"));
+    closeLink();
+    // No reply is coming from a line that is not there.
+    tmrRecvErr.stop();
+    s.RetryCount = 0;
+    for (MachineSlot &m : s.machines)
+        m.MachineOnline = false;
+    s.setStatusPanel(4, QStringLiteral("通訊端口中斷 [") + m_openDevice + u']');
+    emit lineLost();
+    emit linkEvent(QStringLiteral("line lost (%1: %2): port closed; reopening it when it is back").arg(m_openDevice, why));
+    m_reopenTimer.start();
+}
+
+void CommLink::reopenTick()
+{
+    ConsoleState &s = m_st;
+    if (m_port.isOpen()) {
+        m_reopenTimer.stop(); // the operator opened a port meanwhile
+        return;
+    }
+    if (s.CommPortNo != m_lostLine.portNo || s.CommSettingsText() != m_lostLine.settings
+        || s.CommProtocol != m_lostLine.protocol) {
+        // New port settings: the operator opens the port of their choice.
+        m_reopenTimer.stop();
+        emit linkEvent(QStringLiteral("port settings changed: %1 is no longer reopened").arg(m_lostLine.device));
+        return;
+    }
+    if (m_port.open(m_lostLine.device, m_lostLine.settings) != CommPort::OpenResult::Ok)
+        return; // not back yet, or held by another program: look again in a second
+    m_reopenTimer.stop();
+    m_openDevice = m_lostLine.device;
+    m_lastOpenError.clear();
+    // A request posted while the line was away could go to no machine before
+    // the scan has found one; the scan comes first.
+    s.ReqCmd = 0;
+    s.ReqIndex = 0;
+    emit linkEvent(QStringLiteral("line back: %1 reopened").arg(m_openDevice));
+    beginScan();
 }
 
 int CommLink::baudTimeoutExtra(const QString &baud)
@@ -215,25 +277,23 @@ void CommLink::writeModbus(const QByteArray &frame, int expectedReply)
     }
 }
 
-void CommLink::send_who(int m) { m_lastMachine = m; writeFrame(pclink::frame_who(m)); }
-void CommLink::send_rcv(int m) { m_lastMachine = m; writeFrame(pclink::frame_rcv(m)); }
-void CommLink::send_rcs(int m) { m_lastMachine = m; writeFrame(pclink::frame_rcs(m)); }
-void CommLink::send_rrp(int m, int i) { m_lastMachine = m; writeFrame(pclink::frame_rrp(m, i)); }
-void CommLink::send_rup(int m, int i) { m_lastMachine = m; writeFrame(pclink::frame_rup(m, i)); }
-void CommLink::send_rtd(int m, int i) { m_lastMachine = m; writeFrame(pclink::frame_rtd(m, i)); }
-void CommLink::send_rpd(int m, int p, int i) { m_lastMachine = m; writeFrame(pclink::frame_rpd(m, p, i)); }
-void CommLink::send_rsd(int m, int p, int s, int i) { m_lastMachine = m; writeFrame(pclink::frame_rsd(m, p, s, i)); }
-void CommLink::send_wrp(int m, int i, const QByteArray &d) { m_lastMachine = m; writeFrame(pclink::frame_wrp(m, i, d)); }
+void CommLink::send_who(int m) { writeFrame(pclink::frame_who(m)); }
+void CommLink::send_rcv(int m) { writeFrame(pclink::frame_rcv(m)); }
+void CommLink::send_rcs(int m) { writeFrame(pclink::frame_rcs(m)); }
+void CommLink::send_rrp(int m, int i) { writeFrame(pclink::frame_rrp(m, i)); }
+void CommLink::send_rup(int m, int i) { writeFrame(pclink::frame_rup(m, i)); }
+void CommLink::send_rtd(int m, int i) { writeFrame(pclink::frame_rtd(m, i)); }
+void CommLink::send_rpd(int m, int p, int i) { writeFrame(pclink::frame_rpd(m, p, i)); }
+void CommLink::send_rsd(int m, int p, int s, int i) { writeFrame(pclink::frame_rsd(m, p, s, i)); }
+void CommLink::send_wrp(int m, int i, const QByteArray &d) { writeFrame(pclink::frame_wrp(m, i, d)); }
 void CommLink::send_wup(int m, int i, const QByteArray &d, double fw)
 {
-    m_lastMachine = m;
     writeFrame(pclink::frame_wup(m, i, d, fw));
 }
-void CommLink::send_wtd(int m, int i, const QByteArray &d) { m_lastMachine = m; writeFrame(pclink::frame_wtd(m, i, d)); }
-void CommLink::send_wpd(int m, int p, int i, const QByteArray &d) { m_lastMachine = m; writeFrame(pclink::frame_wpd(m, p, i, d)); }
+void CommLink::send_wtd(int m, int i, const QByteArray &d) { writeFrame(pclink::frame_wtd(m, i, d)); }
+void CommLink::send_wpd(int m, int p, int i, const QByteArray &d) { writeFrame(pclink::frame_wpd(m, p, i, d)); }
 void CommLink::send_wsd(int m, int p, int s, int i, const QByteArray &d)
 {
-    m_lastMachine = m;
     writeFrame(pclink::frame_wsd(m, p, s, i, d));
 }
 
@@ -251,6 +311,7 @@ void CommLink::tmrSend_Timer()
         m_st.CmdIndex = m_st.ReqIndex;
         m_st.ReqCmd = 0;
         m_st.ReqIndex = 0;
+        m_textReadBack = false; // a request ends any chain under way
     }
     if (m_st.NextPollSlot >= 0) {
         m_st.PollSlot = m_st.NextPollSlot;

@@ -31,6 +31,11 @@ public:
     bool CommPort_Open();
     bool CommPort_Close();
     bool isPortOpen() const { return m_port.isOpen(); }
+    // The device went away while open: the port is closed and the same device
+    // is looked for every ReopenCheckMs until it is back; then it is opened
+    // and scanned as the operator's open does.
+    bool reopening() const { return m_reopenTimer.isActive(); }
+    static constexpr int ReopenCheckMs = 1000;
     QString lastOpenError() const { return m_lastOpenError; }
     CommPort::OpenResult lastOpenResult() const { return m_lastOpenResult; }
 
@@ -94,6 +99,7 @@ signals:
     void machineTableChanged();             // sprdStatus changed
     void pollCompleted(int slot);           // RCV of a slot stored
     void linkEvent(const QString &text);    // one line per change of link state
+    void lineLost();                        // the device went away; the port is closed
     // Bulk transfers: where the job of bulkJob stands, and its end.
     void bulkProgress(const BulkProgress &progress);
     void bulkFinished(BulkJob job);
@@ -112,6 +118,9 @@ private:
     // Scheduler
     void sendPcLinkState(int machineP, int machineF);
     void sendModbusState(int machineP, int machineF);
+    void beginScan();
+    void portLost(int error, const QString &why);
+    void reopenTick();
     void writeFrame(const QByteArray &frame);
     void writeModbus(const QByteArray &frame, int expectedReply);
     int slotMachine(int slot) const;
@@ -132,6 +141,7 @@ private:
     void moveToNextOnlineSlot();
     void statusStored(int slot, const std::optional<RcvWords> &rows);
     void refreshIfFlagged();
+    void textReadDone();
     void reportBulk(BulkTable table, int done, int total, bool finished = false);
     void textProgress(int row);
     void textsDone();
@@ -143,7 +153,7 @@ private:
     void sendChainNextPattern();
 
     // Store routines; each guards itself and logs to Err.LOG.
-    void Disp_RRP(int slot, const QByteArray &frame, int offset, int firstRow, int words);
+    void Disp_RRP(int slot, int index, QByteArrayView data);
     void Disp_RCV(int slot, const RcvWords &rows);
     void Disp_RUP(const QByteArray &frame, int offset, int firstRow, int words);
     void Disp_RUP_PLUS(const QByteArray &frame, int offset);
@@ -165,11 +175,19 @@ private:
     bool m_pendingBytes = false;
     bool m_commFileLog = false;
     bool m_sentSomething = false;
+    bool m_textReadBack = false; // the text read under way follows a text-row write
     int m_writeWaitAfterDispatch = 0;
     int m_retryBeforeReply = 0;
-    int m_lastMachine = 0;
     int m_expectedModbusLength = 0;
     QString m_lastOpenError;
+    QString m_openDevice; // the device of the open port
+    struct LostLine {
+        QString device;
+        int portNo = 0;
+        QString settings;
+        QString protocol;
+    } m_lostLine;
+    QTimer m_reopenTimer;
     CommPort::OpenResult m_lastOpenResult = CommPort::OpenResult::Ok;
 };
 

@@ -26,7 +26,7 @@ public:
     virtual void clearInput() = 0;
     virtual void setRts(bool on) = 0;
     // The device has gone (adapter pulled, far end closed) while open: it reads
-    // nothing and writes nowhere until it is closed.
+    // nothing and writes nowhere until it is closed. lost() says so once.
     virtual bool vanished() const { return false; }
 
     void setReceiveThreshold(int bytes) { m_threshold = bytes; }
@@ -37,6 +37,9 @@ signals:
     void dataReceived();
     // Bytes arrived, however few (raised before dataReceived).
     void bytesWaiting();
+    // The device went away while open: the platform's error number and text.
+    // The port stays open (and silent) until it is closed.
+    void lost(int error, const QString &why);
 
 protected:
     // Implementations call this whenever bytes have arrived.

@@ -36,6 +36,13 @@ int ConsoleState::slotOfMachine(int machineNumber) const
     return -1;
 }
 
+void ConsoleState::setCurrentMachine(int machine)
+{
+    if (machine > 0)
+        image.setProgramMachine(machine);
+    CurrentMachine = machine;
+}
+
 void ConsoleState::setMachines(const QVector<MachineSlot> &slotList)
 {
     machines = slotList;

@@ -46,7 +46,7 @@ public:
     int CommWaitMs = 0;
     QString SystemPassword = QStringLiteral("Nolk8264");
     bool SystemLocked = false;   // operator's program lock (mHelpLock)
-    int PtnDataOption = -1;      // index of optPTN_Data; -1 when none is selected
+    int PtnDataOption = 0;       // index of optPTN_Data: 0 from the controller, 1 from file
     bool SingleConsoleOpen = false; // the single-chamber console is open
 
     // Machine list.
@@ -54,6 +54,9 @@ public:
     QVector<MachineSlot> machines;
     int MachineLast() const { return int(machines.size()) - 1; }
     int CurrentMachine = 0;
+    // A machine comes to the foreground (the scan's first answer, a click in
+    // the machine table); the program image follows it.
+    void setCurrentMachine(int machine);
     int slotOfMachine(int machineNumber) const; // -1 if not in the list
     void setMachines(const QVector<MachineSlot> &slots);
 

@@ -12,15 +12,26 @@ using namespace framebytes;
 
 // ---------------------------------------------------------------- store routines
 
-void CommLink::Disp_RRP(int slot, const QByteArray &f, int offset, int firstRow, int words)
+// index 0 (or less): the block of all rows; above 0: that row alone, as the
+// scan measured the reply.
+void CommLink::Disp_RRP(int slot, int index, QByteArrayView data)
 {
     guarded("Disp_RRP", [&] {
         ConsoleState &s = m_st;
         if (slot < 0 || slot >= s.machines.size())
             throw std::out_of_range("no such slot");
         const int col = slot + 1;
-        for (int i = 0; i < words; ++i)
-            s.image.sprdRRP.setNumber(col, firstRow + i, wordAt(f, offset + 2 * i));
+        if (index <= 0) {
+            const auto rows = decodeRrp(data);
+            if (!rows)
+                throw std::out_of_range("RRP reply shorter than its rows");
+            for (int row = 1; row <= Rrp::Count; ++row)
+                s.image.sprdRRP.setNumber(col, row, (*rows)[row - 1]);
+        } else {
+            if (data.size() < 2)
+                throw std::out_of_range("RRP reply shorter than its row");
+            s.image.sprdRRP.setNumber(col, index, quint8(data[0]) * 256 + quint8(data[1]));
+        }
         MachineSlot &m = s.machines[slot];
         const bool running = s.image.sprdRRP.number(col, 1) > 0;
         const bool was = m.MachineRunning;
@@ -77,13 +88,7 @@ void CommLink::Disp_RUP_PLUS(const QByteArray &f, int offset)
 
 void CommLink::Disp_RTD(int row, const QByteArray &bytes)
 {
-    guarded("Disp_RTD", [&] {
-        QByteArray b = bytes;
-        const qsizetype zero = b.indexOf('\0');
-        if (zero >= 0)
-            b.truncate(zero);
-        m_st.image.sprdTD.setText(1, row, fromAnsi(b));
-    });
+    guarded("Disp_RTD", [&] { m_st.image.sprdTD.setText(1, row, tdBytesToText(bytes)); });
 }
 
 void CommLink::Disp_RPD(int pattern, const QByteArray &f, int offset, int firstWord, int words, const char *place)
@@ -188,6 +193,21 @@ void CommLink::parameterBlockDone(int textState)
     }
 }
 
+// The end of a read of text rows. After a text-row write it is that write's
+// read-back, which ends with the open screen repainting from what the
+// controller kept. A plain read (a pattern's name for the console) repaints
+// nothing: a refresh still owed to an earlier write is left to the next read
+// of the parameter block.
+void CommLink::textReadDone()
+{
+    m_st.CmdIndexEnd = 0;
+    m_st.CmdState = Cmd::Poll;
+    if (std::exchange(m_textReadBack, false)) {
+        m_st.startActiveRefresh();
+        m_st.RefreshAfterWrite = false;
+    }
+}
+
 void CommLink::refreshIfFlagged()
 {
     if (m_st.RefreshAfterWrite || m_st.RefreshOnOpen) {
@@ -203,7 +223,7 @@ void CommLink::scanAnswered(int slot, const QString &firmwareText, bool modbusTe
     ConsoleState &s = m_st;
     const int machine = slotMachine(slot);
     if (s.CurrentMachine == 0) {
-        s.CurrentMachine = machine;
+        s.setCurrentMachine(machine);
         emit currentMachineShown(machine);
     }
     s.setStatusPanel(4, QStringLiteral("機號 [") + QString::number(machine)
@@ -242,7 +262,10 @@ void CommLink::scanEnd()
         emit linkEvent(QStringLiteral("scan done: no machine answered; scanning again"));
         return;
     }
+    // Polling starts at the first online slot. The slot walk ended at 0, and
+    // the next tick would take that over the slot chosen here.
     moveToNextOnlineSlot();
+    s.NextPollSlot = -1;
     s.CmdState = Cmd::Poll;
     emit linkEvent(QStringLiteral("scan done: polling, foreground machine %1, F/W %2, %3 UP rows")
                        .arg(s.CurrentMachine)
@@ -431,11 +454,7 @@ void CommLink::dispatchPcLink()
     auto is = [&](const char *c) { return cmd == QLatin1String(c); };
     switch (s.CmdState) {
     case Cmd::Poll: {
-        const int index = num4(f, 12);
-        if (index > 0)
-            Disp_RRP(slot, f, 16, index, 1);
-        else
-            Disp_RRP(slot, f, 16, 1, ControllerImage::RrpRows);
+        Disp_RRP(slot, num4(f, 12), QByteArrayView(f).sliced(std::min<qsizetype>(16, f.size())));
         s.CmdState = Cmd::PollValues;
         break;
     }
@@ -460,14 +479,8 @@ void CommLink::dispatchPcLink()
     case Cmd::ReadText:
         Disp_RTD(s.CmdIndex, f.mid(16, 29));
         s.CmdIndex += 1;
-        if (s.CmdIndex > s.CmdIndexEnd) {
-            s.CmdIndexEnd = 0;
-            s.CmdState = Cmd::Poll;
-            if (s.RefreshAfterWrite) {
-                s.startActiveRefresh();
-                s.RefreshAfterWrite = false;
-            }
-        }
+        if (s.CmdIndex > s.CmdIndexEnd)
+            textReadDone();
         break;
     case Cmd::Who: {
         // The identity text runs from column 12 to the byte before ETX.
@@ -560,6 +573,7 @@ void CommLink::dispatchPcLink()
         if (!is("WTD"))
             break;
         s.RefreshAfterWrite = true;
+        m_textReadBack = true;
         s.CmdState = Cmd::ReadText;
         break;
     case Cmd::WriteClockRows:

@@ -22,11 +22,9 @@ void CommLink::sendModbusState(int P, int F)
     const int st = s.CmdState;
     s.RxSettleMs = 50;
     auto read = [&](int machine, int start, int count) {
-        m_lastMachine = machine;
         writeModbus(modbus::modbus_read(machine, start, count), modbus::readReplyLength(count));
     };
     auto write = [&](int machine, int start, int count, const QByteArray &data) {
-        m_lastMachine = machine;
         writeModbus(modbus::modbus_write(machine, start, count, data), modbus::writeReplyLength());
     };
     auto segment = [&](int p, int seg) {
@@ -64,7 +62,6 @@ void CommLink::sendModbusState(int P, int F)
         case Cmd::ReadSegmentCount: read(F, patternRegister(s.PatternNo), 1); break;
         case Cmd::ReadPatternWord: read(F, patternRegister(s.PatternNo) - 1 + s.CmdIndex, 1); break;
         case Cmd::RecvSegment: case Cmd::ReadPatternSegment: case Cmd::ReadSegmentWord: case Cmd::ReadLastSegment:
-            m_lastMachine = F;
             writeModbus(modbus::modbus_read_record(F, s.PatternNo, s.SegmentNo, ControllerImage::SegmentWords),
                         modbus::readRecordReplyLength(ControllerImage::SegmentWords));
             break;
@@ -83,7 +80,6 @@ void CommLink::sendModbusState(int P, int F)
             break;
         }
         case Cmd::SendSegment: case Cmd::WriteSegmentWords: case Cmd::RewriteSegments: case Cmd::WriteProgramSegment:
-            m_lastMachine = F;
             writeModbus(modbus::modbus_write_record(F, s.PatternNo, s.SegmentNo, ControllerImage::SegmentWords,
                                                     segment(s.PatternNo, s.SegmentNo)),
                         modbus::writeRecordReplyLength(ControllerImage::SegmentWords));
@@ -114,7 +110,9 @@ void CommLink::receiveModbus(const QByteArray &bytes)
         s.countComm(s.PollSlot, 4);
         m_buf.clear();
         m_port.clearInput();
-        s.setStatusPanel(4, QStringLiteral("機號 [") + QString::number(m_lastMachine) + QStringLiteral("] : 通訊不良"));
+        // The machine named is the polled one, as in every other text of the link.
+        s.setStatusPanel(4, QStringLiteral("機號 [") + QString::number(slotMachine(s.PollSlot))
+                                + QStringLiteral("] : 通訊不良"));
         tmrSend.start();
         return;
     }
@@ -166,16 +164,10 @@ void CommLink::dispatchModbus()
     }
     if (st >= Cmd::ReadNames && st <= Cmd::ReadNamesLast) {
         storeText(12 + 10 * (st - Cmd::ReadNames), 10, 24, true);
-        if (st < Cmd::ReadNamesLast) {
+        if (st < Cmd::ReadNamesLast)
             s.CmdState = st + 1;
-        } else {
-            s.CmdIndexEnd = 0;
-            s.CmdState = Cmd::Poll;
-            if (s.RefreshAfterWrite) {
-                s.startActiveRefresh();
-                s.RefreshAfterWrite = false;
-            }
-        }
+        else
+            textReadDone();
         return;
     }
     if (st >= Cmd::RecvTextInputs && st <= Cmd::RecvNamesLast) {
@@ -206,7 +198,7 @@ void CommLink::dispatchModbus()
     }
     switch (st) {
     case Cmd::Poll:
-        Disp_RRP(slot, f, 3, 1, ControllerImage::RrpRows);
+        Disp_RRP(slot, 0, QByteArrayView(f).sliced(std::min<qsizetype>(3, f.size())));
         s.CmdState = Cmd::PollValues;
         break;
     case Cmd::PollValues:
@@ -268,6 +260,7 @@ void CommLink::dispatchModbus()
         break;
     case Cmd::WriteTextRow:
         s.RefreshAfterWrite = true;
+        m_textReadBack = true;
         s.CmdState = Cmd::ReadTextInputs;
         break;
     case Cmd::MachineRunMethod:

@@ -103,15 +103,22 @@ void QtCommPort::onError(QSerialPort::SerialPortError error)
     if (m_opening)
         return;
     if (error == QSerialPort::ResourceError || error == QSerialPort::ReadError) {
-        // The device is gone. The console still believes the port open (its
-        // caption says so); the link now meets a silent line until the
-        // operator closes it.
+        // The device is gone. The device itself is let go at once (a gone
+        // device would keep waking the event loop); the port counts as open,
+        // and silent, until its owner closes it on lost().
         if (m_open && !m_vanished) {
             m_vanished = true;
             m_lastError = m_port.errorString();
             m_port.clearError();
-            QMetaObject::invokeMethod(this, [this] { if (m_vanished && m_port.isOpen()) m_port.close(); },
-                                      Qt::QueuedConnection);
+            QMetaObject::invokeMethod(
+                this,
+                [this, error] {
+                    if (m_vanished && m_port.isOpen())
+                        m_port.close();
+                    if (m_vanished)
+                        emit lost(int(error), m_lastError);
+                },
+                Qt::QueuedConnection);
         }
     } else if (error != QSerialPort::NoError) {
         m_port.clearError();

@@ -182,9 +182,11 @@ int CommLink::scan_reply()
             continue;
         }
         if (cmd == "WHO") {
-            // Taken at once: the WHO settle time lets the whole text in.
+            // Taken at once: the WHO settle time lets the whole text in. Behind
+            // a thrown frame it counts as such, like any other reply.
             m_st.LastReplyCmd = QString::fromLatin1(cmd);
-            return ScanGood;
+            result = ScanGood;
+            break;
         }
         auto number = [&](int col) { return leadingInt(QString::fromLatin1(b.mid(col, 4))); };
         int L = 0;

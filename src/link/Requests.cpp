@@ -114,8 +114,24 @@ void Requests::readTextRows(int firstRow, int lastRow)
 
 void Requests::readPatternName(int pattern)
 {
-    m_s.CmdIndexEnd = pattern;
-    post(m_s.Modbus() ? Cmd::ReadNames : Cmd::ReadText, pattern);
+    // A pattern's name is text row pattern + 11. Modbus RTU reads the names
+    // ten to a block: from the block that holds this one to the end of the
+    // chain. The chain knows ten blocks, the names of patterns 1 to 100; a
+    // name beyond them is not asked for (a read of other names would not
+    // bring it).
+    if (pattern < 1)
+        return;
+    const int row = pattern + 11;
+    if (!m_s.Modbus()) {
+        m_s.CmdIndexEnd = row;
+        post(Cmd::ReadText, row);
+        return;
+    }
+    const int block = (pattern - 1) / 10;
+    if (block > Cmd::ReadNamesLast - Cmd::ReadNames)
+        return;
+    m_s.CmdIndexEnd = row;
+    post(Cmd::ReadNames + block, row);
 }
 
 void Requests::readScreen()

@@ -136,7 +136,9 @@ public:
     // sprdTD rows first to last. Modbus RTU reads fixed blocks: the block
     // holding the first row and the rest of the chain behind it.
     void readTextRows(int firstRow, int lastRow);
-    // The single-chamber console's request for a pattern's name.
+    // The single-chamber console's request for a pattern's name (its text
+    // row, pattern + 11). Modbus RTU reads the names of patterns 1 to 100
+    // only; for others nothing is posted.
     void readPatternName(int pattern);
 
     // The controller's screen image (PC Link only; nothing goes out in Modbus RTU).

@@ -54,4 +54,10 @@ void Recorder::statusWord(int slot, int row, const QString &oldCell, int newWord
 void Recorder::statusStepEnd(int slot)
 {
     m_events.statusStepEnd(slot);
+    m_runLog.statusRead(slot);
+}
+
+void Recorder::lineLost()
+{
+    m_runLog.lineLost();
 }

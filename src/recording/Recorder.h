@@ -44,6 +44,9 @@ public:
     void statusWord(int slot, int row, const QString &oldCell, int newWord) override;
     void statusStepEnd(int slot) override;
 
+    // The serial line went away (the port is closed): see RunLogger::lineLost.
+    void lineLost();
+
 private:
     ConsoleState &m_state;
     mdlADO m_db;

@@ -145,9 +145,20 @@ void RunLogger::Timer1_Timer()
     m_logSequence = qint32(quint32(m_logSequence) + 1u);
     for (int slot = 0; slot <= m_state.MachineLast(); ++slot) {
         const MachineSlot &m = m_state.machines[slot];
-        if (m.MachineOnline && m.MachineRunning)
+        if (m.MachineOnline && m.MachineRunning && !m_unreadSinceLoss.contains(slot))
             writeMachineRow(slot, now());
     }
+}
+
+void RunLogger::lineLost()
+{
+    for (int slot = 0; slot <= m_state.MachineLast(); ++slot)
+        m_unreadSinceLoss.insert(slot);
+}
+
+void RunLogger::statusRead(int slot)
+{
+    m_unreadSinceLoss.remove(slot);
 }
 
 void RunLogger::writeMachineRow(int slot, const QDateTime &at)

@@ -2,6 +2,7 @@
 #include "SaveSettings.h"
 #include <QDateTime>
 #include <QObject>
+#include <QSet>
 #include <QTimer>
 #include <functional>
 
@@ -43,6 +44,12 @@ public:
     qint32 LogSequence() const { return m_logSequence; }
     QDateTime LastLogTime() const { return m_lastLogTime; }
 
+    // The line went away. Until a machine's present values have been read
+    // anew (statusRead), it gets no row: the values the table still holds are
+    // those of before, not of the time the line was away.
+    void lineLost();
+    void statusRead(int slot);
+
     // The file a machine's row goes to at the given moment.
     QString logFilePath(int machineNumber, const QDateTime &at) const;
 
@@ -58,6 +65,7 @@ private:
     Clock m_clock;
     SaveSettings m_settings;
     qint32 m_logSequence = 0;
+    QSet<int> m_unreadSinceLoss; // slots not read since the line went away
     QDateTime m_lastLogTime;
     QTimer Timer1;
 };

@@ -13,10 +13,10 @@
 #include "LampStrip.h"
 #include "ScreenContext.h"
 #include "ScreenLayout.h"
+#include "ShellOpen.h"
 #include "TrendChart.h"
 #include "frmQM730_Set_DSave.h"
 #include <QCheckBox>
-#include <QCoreApplication>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -25,7 +25,6 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QMouseEvent>
-#include <QProcess>
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QTabWidget>
@@ -1135,13 +1134,13 @@ void frmQM730_RunSimple::openSaveSettings()
 
 void frmQM730_RunSimple::openGraphViewer()
 {
-    const QString folder = QCoreApplication::applicationDirPath();
-    const QString program = programPath(folder, QStringLiteral("\\") + GraphViewer);
-    if (!QFileInfo::exists(program)) {
-        showNotice(QStringLiteral("找不到 %1 : %2").arg(GraphViewer, program));
+    // The viewer is looked for in the program's folder, as the main menu does.
+    QString program;
+    if (shellOpenBesideProgram(m_state.home, QStringLiteral("\\") + GraphViewer, true, &program))
         return;
-    }
-    if (!QProcess::startDetached(program, {}, folder))
+    if (!QFileInfo::exists(program))
+        showNotice(QStringLiteral("找不到 %1 : %2").arg(GraphViewer, program));
+    else
         showNotice(QStringLiteral("無法啟動 %1").arg(GraphViewer));
 }
 

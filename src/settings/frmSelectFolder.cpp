@@ -73,6 +73,9 @@ frmSelectFolder::frmSelectFolder(const QString &saveFolder, const QString &home,
 
     connect(Drive1, &QComboBox::activated, this, &frmSelectFolder::driveChanged);
     connect(Dir1->selectionModel(), &QItemSelectionModel::currentChanged, this, &frmSelectFolder::showSelected);
+    // Folders are read in the background: the list reaches the folder it
+    // starts at as each folder on the way has been read.
+    connect(m_model, &QFileSystemModel::directoryLoaded, this, &frmSelectFolder::revealTarget);
     connect(btnOK, &QPushButton::clicked, this, &frmSelectFolder::accept);
     connect(btnCancel, &QPushButton::clicked, this, &frmSelectFolder::reject);
 
@@ -88,10 +91,25 @@ void frmSelectFolder::goTo(const QString &path)
     const QString root = rootOf(fileSystemRoots(), dir);
     Drive1->setCurrentIndex(std::max(0, Drive1->findText(root)));
     Dir1->setRootIndex(m_model->index(root));
-    const QModelIndex idx = m_model->index(dir);
-    Dir1->setCurrentIndex(idx);
-    Dir1->scrollTo(idx);
+    m_target = dir;
+    revealTarget();
     lblFolder->setText(dir);
+}
+
+// The folder list opened down to the target folder, which is chosen and in
+// sight, with its own folders shown.
+void frmSelectFolder::revealTarget()
+{
+    if (m_target.isEmpty())
+        return;
+    const QModelIndex idx = m_model->index(m_target);
+    if (!idx.isValid())
+        return;
+    m_revealing = true;
+    Dir1->setCurrentIndex(idx);
+    Dir1->expand(idx);
+    Dir1->scrollTo(idx, QAbstractItemView::PositionAtCenter);
+    m_revealing = false;
 }
 
 void frmSelectFolder::driveChanged(int index)
@@ -101,6 +119,8 @@ void frmSelectFolder::driveChanged(int index)
 
 void frmSelectFolder::showSelected()
 {
+    if (!m_revealing)
+        m_target.clear(); // the user's choice stays where it is
     const QModelIndex idx = Dir1->currentIndex();
     if (idx.isValid())
         lblFolder->setText(m_model->filePath(idx));

@@ -26,6 +26,7 @@ public:
 private:
     void driveChanged(int index);
     void showSelected();
+    void revealTarget();
     void accept() override;
 
     QComboBox *Drive1;
@@ -35,4 +36,6 @@ private:
     QPushButton *btnOK;
     QPushButton *btnCancel;
     QString m_folder;
+    QString m_target;        // the folder the list is opening to
+    bool m_revealing = false;
 };

@@ -1,5 +1,6 @@
 #include "MainFixture.h"
 #include <QElapsedTimer>
+#include <QScrollBar>
 
 namespace {
 QString cell(QAbstractItemModel *m, int row, int col)
@@ -43,6 +44,44 @@ private slots:
         QVERIFY(f.item("mHelpCommData")->isChecked() && f.widget("picCommData")->isVisible());
         f.item("mHelpCommData")->trigger();
         QVERIFY(!f.item("mHelpCommData")->isChecked() && !f.widget("picCommData")->isVisible());
+    }
+
+    void viewFollowsNewFramesUntilScrolledUp()
+    {
+        MainFixture f;
+        f.item("mHelpCommData")->trigger();
+        auto *view = f.widget<QTableView>("sprdComm");
+        QScrollBar *bar = view->verticalScrollBar();
+        auto frames = [&f](int n) {
+            for (int i = 0; i < n; ++i)
+                f.core->link().comm_log_add(QStringLiteral("傳送"), QByteArray(3, char(i)));
+            QApplication::processEvents();
+        };
+        frames(200);
+        QTRY_VERIFY(bar->maximum() > 20);
+        QCOMPARE(bar->value(), bar->maximum());
+        frames(3);
+        QCOMPARE(bar->value(), bar->maximum()); // at the end: the newest frame stays in sight
+
+        // One row up: the view keeps its place while frames come.
+        bar->triggerAction(QAbstractSlider::SliderSingleStepSub);
+        const int place = bar->value();
+        QVERIFY(place < bar->maximum());
+        frames(3);
+        QCOMPARE(bar->value(), place);
+        QVERIFY(bar->maximum() > place + 1);
+
+        // Back at the end it follows again.
+        bar->setValue(bar->maximum());
+        frames(3);
+        QCOMPARE(bar->value(), bar->maximum());
+
+        // Frames that come while the view is hidden are in sight when it shows again.
+        f.item("mHelpCommData")->trigger();
+        frames(50);
+        f.item("mHelpCommData")->trigger();
+        QTRY_COMPARE(bar->value(), bar->maximum());
+        QCOMPARE(view->rowAt(view->viewport()->height() - 2), view->model()->rowCount() - 1);
     }
 
     void screenReplyIsOneRow()

@@ -255,6 +255,19 @@ private slots:
         QVERIFY(!f.core->recorder().database().isOpen());
     }
 
+    void patternSourceWithoutAFileIsTheController()
+    {
+        for (const QString &line : {QString(), QStringLiteral("7")}) {
+            MainFixture f([&](TestHome &h) {
+                if (!line.isNull())
+                    writeTextLinesAtomic(h.path() + "/PTN_Recv.OPT", {line});
+            });
+            const auto options = f.window->findChildren<QRadioButton *>(QStringLiteral("optPTN_Data"));
+            QVERIFY(options[0]->isChecked() && !options[1]->isChecked());
+            QCOMPARE(f.state().PtnDataOption, 0);
+        }
+    }
+
     void patternSource()
     {
         MainFixture f([](TestHome &h) { writePtnRecvOpt(h.path(), 1); });

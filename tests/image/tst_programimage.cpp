@@ -142,18 +142,19 @@ private slots:
         QVERIFY(!QFile::exists(programCachePath(home.path(), 5, u"TD")));
     }
 
-    void ptnRecvOpt()
+    void ptnRecvOptFallsBackToTheController()
     {
         QTemporaryDir home;
         const QString path = home.path() + "/PTN_Recv.OPT";
-        QCOMPARE(readPtnRecvOpt(home.path()), -1);
+        QCOMPARE(readPtnRecvOpt(home.path()), 0); // missing
         QVERIFY(writePtnRecvOpt(home.path(), 1));
         QCOMPARE(readPtnRecvOpt(home.path()), 1);
         QVERIFY(writePtnRecvOpt(home.path(), 0));
         QCOMPARE(readPtnRecvOpt(home.path()), 0);
         QVERIFY(!writePtnRecvOpt(home.path(), 2));
         QCOMPARE(readPtnRecvOpt(home.path()), 0);
-        for (const auto &[bytes, option] : {std::pair<QByteArray, int>{"2\r\n", -1}, {"", -1}, {" 1\r\n0\r\n", 1}}) {
+        for (const auto &[bytes, option] : {std::pair<QByteArray, int>{"2\r\n", 0}, {"-1\r\n", 0}, {"", 0},
+                                            {"x\r\n", 0}, {" 1\r\n0\r\n", 1}}) {
             QVERIFY(write(path, bytes));
             QCOMPARE(readPtnRecvOpt(home.path()), option);
         }

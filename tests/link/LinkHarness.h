@@ -1,78 +1,13 @@
 #pragma once
 // A link for machine 1 on an in-memory port, with a temporary program folder,
-// and reply builders written from the reply table (not from the console's own code).
+// and fake lines that answer from the reply tables (not from the console's own code).
 #include "CommLink.h"
 #include "ConsoleState.h"
 #include "FakeCommPort.h"
+#include "PcLinkReplies.h"
 #include <QMap>
 #include <QTemporaryDir>
 #include <memory>
-
-inline QByteArray digits(int n, int width)
-{
-    return QByteArray::number(n).rightJustified(width, '0');
-}
-
-inline QByteArray word(int v)
-{
-    QByteArray b(2, '\0');
-    b[0] = char((v >> 8) & 0xFF);
-    b[1] = char(v & 0xFF);
-    return b;
-}
-
-// STX, machine, command, ",OK,", payload, ETX CR LF (and the sum when asked).
-inline QByteArray pcReply(int machine, const char *cmd, const QByteArray &payload, bool sum = false)
-{
-    QByteArray f = "\x02" + digits(machine, 3) + cmd + ",OK," + payload + "\x03\x0D\x0A";
-    if (sum) {
-        unsigned s = 0;
-        for (char c : f)
-            s += quint8(c);
-        s %= 65536;
-        f += char(s >> 8);
-        f += char(s & 0xFF);
-    }
-    return f;
-}
-
-inline QByteArray rrpReply(int machine, const QList<int> &rows17, bool sum = false)
-{
-    QByteArray data;
-    for (int i = 0; i < 17; ++i)
-        data += word(i < rows17.size() ? rows17[i] : 0);
-    return pcReply(machine, "RRP", "0000," + data, sum);
-}
-
-// The 45 data bytes of RCV from 27 row values (single-byte rows as bytes).
-inline QByteArray rcvData(const QList<int> &rows)
-{
-    static const bool isByte[27] = {false, false, false, false, false, false, false, false, false,
-                                    false, false, false, true,  false, true,  true,  false, true,
-                                    false, true,  false, true,  false, false, true,  true,  true};
-    QByteArray d;
-    for (int r = 0; r < 27; ++r) {
-        const int v = r < rows.size() ? rows[r] : 0;
-        if (isByte[r])
-            d += char(v & 0xFF);
-        else
-            d += word(v);
-    }
-    return d;
-}
-
-inline QByteArray rcvReply(int machine, const QList<int> &rows, bool sum = false)
-{
-    return pcReply(machine, "RCV", rcvData(rows), sum);
-}
-
-inline QByteArray rupReply(int machine, int words)
-{
-    QByteArray data;
-    for (int i = 0; i < words; ++i)
-        data += word(i + 1);
-    return pcReply(machine, "RUP", "0000," + data);
-}
 
 struct LinkHarness {
     QTemporaryDir dir;
@@ -101,6 +36,8 @@ struct LinkHarness {
 struct FakeLine {
     QMap<int, QString> firmware;          // machine -> version text
     QMap<int, QList<int>> rrp;            // machine -> rows
+    QMap<int, QByteArray> texts;          // text row -> its 29 bytes (all machines)
+    QByteArray screen;                    // the pixel bytes RCS answers with
     QByteArrayList seen;
 
     QByteArray answer(const QByteArray &frame)
@@ -123,8 +60,66 @@ struct FakeLine {
             const int words = fw >= 2.2 ? 512 : fw >= 2.09 ? 492 : fw >= 1.81 ? 456 : 392;
             return pcReply(m, "RUP", "0000," + QByteArray(2 * words, '\x01'));
         }
+        if (cmd == "RCS" && !screen.isEmpty())
+            return pcReply(m, "RCS", screen);
+        if (cmd == "RTD") {
+            const int row = frame.mid(8, 4).toInt();
+            return pcReply(m, "RTD", digits(row, 4) + "," + texts.value(row).leftJustified(29, '\0', true));
+        }
+        if (cmd == "WTD")
+            texts[frame.mid(8, 4).toInt()] = frame.mid(13, 29);
         if (cmd == "WRP" || cmd == "WUP" || cmd == "WTD")
             return pcReply(m, cmd.constData(), frame.mid(8, 4));
         return {};
+    }
+};
+
+// CRC-16 of the Modbus standard: from 0xFFFF, each byte into the low byte,
+// eight shifts, 0xA001 after a one shifted out; low byte first on the wire.
+inline QByteArray withModbusCrc(QByteArray frame)
+{
+    quint16 crc = 0xFFFF;
+    for (char c : frame) {
+        crc ^= quint8(c);
+        for (int i = 0; i < 8; ++i)
+            crc = (crc & 1) ? quint16((crc >> 1) ^ 0xA001) : quint16(crc >> 1);
+    }
+    frame += char(crc & 0xFF);
+    frame += char(crc >> 8);
+    return frame;
+}
+
+// A Modbus RTU line of the machines listed: reads (function 3) answer the
+// registers held (0 where nothing is held), writes (function 16) keep them.
+struct FakeModbusLine {
+    QList<int> machines;
+    QMap<int, int> registers;
+    QByteArrayList seen;
+
+    QByteArray answer(const QByteArray &frame)
+    {
+        seen << frame;
+        if (frame.size() < 8 || !machines.contains(quint8(frame[0])))
+            return {};
+        const int start = quint8(frame[2]) * 256 + quint8(frame[3]);
+        const int count = quint8(frame[4]) * 256 + quint8(frame[5]);
+        if (frame[1] == 3) {
+            QByteArray data;
+            for (int r = start; r < start + count; ++r)
+                data += word(registers.value(r));
+            return withModbusCrc(frame.left(2) + char(2 * count) + data);
+        }
+        if (frame[1] == 16) {
+            for (int i = 0; i < count; ++i)
+                registers[start + i] = quint8(frame[7 + 2 * i]) * 256 + quint8(frame[8 + 2 * i]);
+            return withModbusCrc(frame.left(6));
+        }
+        return {};
+    }
+    // Text bytes into the registers from `first` on, two bytes a register.
+    void putText(int first, const QByteArray &bytes)
+    {
+        for (int i = 0; i + 1 < bytes.size(); i += 2)
+            registers[first + i / 2] = quint8(bytes[i]) * 256 + quint8(bytes[i + 1]);
     }
 };

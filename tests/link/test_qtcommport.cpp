@@ -40,18 +40,24 @@ private slots:
         QVERIFY(port.isOpen());
     }
 
-    void vanishedDeviceIsASilentLine()
+    void vanishedDeviceIsReportedOnce()
     {
         auto *pty = new Pty;
         QtCommPort port;
         QCOMPARE(port.open(pty->path, QStringLiteral("115200,N,8,1")), CommPort::OpenResult::Ok);
+        QSignalSpy lost(&port, &CommPort::lost);
         const QString path = pty->path;
-        delete pty; // the adapter is pulled out
-        port.write("\x02" "001WHO\x03\r\n");
-        QTRY_VERIFY(port.vanished());
-        QVERIFY(port.isOpen()); // still open for the console, until the operator closes it
+        delete pty; // the adapter is pulled out: noticed without a word being written
+        QTRY_COMPARE(lost.size(), 1);
+        const int error = lost.first().at(0).toInt();
+        QVERIFY2(error == QSerialPort::ReadError || error == QSerialPort::ResourceError, qPrintable(QString::number(error)));
+        QVERIFY(!lost.first().at(1).toString().isEmpty());
+        QVERIFY(port.vanished());
+        QVERIFY(port.isOpen()); // open for its owner, and silent, until closed
         port.write("more");
         QCOMPARE(port.readAll(), QByteArray());
+        QTest::qWait(100);
+        QCOMPARE(lost.size(), 1);
         port.close();
         QVERIFY(!port.isOpen());
         QVERIFY(!port.vanished());

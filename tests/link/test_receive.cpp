@@ -123,6 +123,37 @@ private slots:
         QCOMPARE(scan(badEtx(good, 56) + good.left(20), true), 109);
     }
 
+    void whoBehindAThrownFrame()
+    {
+        // In sum mode a WHO answer behind a thrown frame is lost like any
+        // other reply (counted as a sum failure and asked again)...
+        const QByteArray who = pcReply(1, "WHO", "QM730 TH F/W V2.31", true);
+        QCOMPARE(scan(badEtx(rcvReply(1, {}, true), 56) + who, true), 99);
+        QCOMPARE(scan(who, true), 0);
+        // ... and taken without the sum, where what follows decides.
+        QCOMPARE(scan(badEtx(rcvReply(1, {}), 56) + pcReply(1, "WHO", "QM730 TH F/W V2.31")), 0);
+    }
+
+    // Modbus RTU gives a pattern's name 24 bytes: a name cut inside a Big5
+    // character loses that character, and shows no sign of the cut.
+    void modbusNameCutInsideACharacter()
+    {
+        LinkHarness h;
+        h.state->CommProtocol = QStringLiteral("Modbus RTU");
+        FakeModbusLine line;
+        line.machines = {1};
+        h.port.responder = [&line](const QByteArray &f) { return line.answer(f); };
+        const QByteArray name = toAnsi(QStringLiteral("程式組名稱程式組名稱程")); // 22 bytes
+        QCOMPARE(name.size(), 22);
+        const QByteArray cut = name + "A" + toAnsi(QStringLiteral("組")).left(1);
+        line.putText(44001 + 12 * 4, cut); // the name of pattern 5, row 16
+        QCOMPARE(h.port.open({}, {}), CommPort::OpenResult::Ok);
+        h.state->CurrentMachine = 1;
+        h.state->requests().readPatternName(5);
+        h.link->tmrSend.start();
+        QTRY_COMPARE(h.state->image.sprdTD.text(1, 16), QStringLiteral("程式組名稱程式組名稱程A"));
+    }
+
     void screenReplyReportsProgress()
     {
         LinkHarness h;

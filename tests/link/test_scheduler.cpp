@@ -3,8 +3,11 @@
 // in tests/integration.
 #include "LinkHarness.h"
 #include "LiveStatus.h"
+#include <QFile>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QtTest>
+#include <algorithm>
 
 class SchedulerTest : public QObject {
     Q_OBJECT
@@ -63,12 +66,16 @@ private slots:
         LinkHarness h;
         FakeLine line;
         connectLine(h, line);
+        QTRY_VERIFY(!h.state->RefreshOnOpen); // the first parameter read is behind us
         h.state->requests().writeRunWord(Rrp::Step, 1);
         h.state->requests().writeRunWord(Rrp::Hold, 1);
         QTRY_VERIFY(commands(line).contains("WRP"));
         QCOMPARE(commands(line).count("WRP"), 1);
         QCOMPARE(line.seen[commands(line).indexOf("WRP")], QByteArray("\x02" "001WRP,0003,\x00\x01\x03\x0D\x0A", 18));
-        QTRY_VERIFY(h.state->RefreshAfterWrite || h.refresh.isActive() || h.state->CmdState == 2);
+        // The acknowledged write goes back to polling and owes the screen a refresh.
+        QTRY_VERIFY(commands(line).lastIndexOf("RRP") > commands(line).indexOf("WRP"));
+        QVERIFY(h.state->RefreshAfterWrite);
+        QCOMPARE(commands(line).count("WRP"), 1);
     }
 
     void parameterWriteWaitsBeforeTheNextFrame()
@@ -76,11 +83,15 @@ private slots:
         LinkHarness h;
         FakeLine line;
         connectLine(h, line);
+        QTRY_VERIFY(!h.state->RefreshOnOpen);
         QElapsedTimer t;
         int ackAt = -1, nextAt = -1;
+        QByteArray next;
         h.port.responder = [&](const QByteArray &f) {
-            if (ackAt >= 0 && nextAt < 0)
+            if (ackAt >= 0 && nextAt < 0) {
                 nextAt = int(t.elapsed());
+                next = f.mid(4, 3);
+            }
             if (f.mid(4, 3) == "WUP")
                 ackAt = int(t.elapsed());
             return line.answer(f);
@@ -89,7 +100,253 @@ private slots:
         h.state->requests().writeParameter(Param::btnSensorType1, 3);
         QTRY_VERIFY_WITH_TIMEOUT(nextAt >= 0, 5000);
         QVERIFY2(nextAt - ackAt >= CommLink::WriteSettleMs, qPrintable(QString::number(nextAt - ackAt)));
-        QVERIFY(h.state->RefreshAfterWrite || h.state->CmdState != 102);
+        // After the wait the poll goes on, and the acknowledged write owes a refresh.
+        QCOMPARE(next, QByteArray("RRP"));
+        QVERIFY(h.state->RefreshAfterWrite);
+    }
+
+    void slotWalks()
+    {
+        QTemporaryDir dir;
+        ConsoleState s(dir.path());
+        s.setMachines({{1}, {2}, {3}});
+        // next_slot walks the list and ends at 0.
+        QCOMPARE(QList<int>({s.next_slot(0), s.next_slot(1), s.next_slot(2)}), QList<int>({1, 2, 0}));
+        // next_online_slot(start) looks from slot `start` on; above the list it starts over.
+        QCOMPARE(s.next_online_slot(0), 0); // nothing online: 0
+        s.sprdStatus.setText(2, 2, QStringLiteral("良好"));
+        s.sprdStatus.setText(2, 3, QStringLiteral("不良"));
+        QCOMPARE(s.next_online_slot(0), 1);
+        QCOMPARE(s.next_online_slot(1), 1);
+        QCOMPARE(s.next_online_slot(2), 0); // none from slot 2 on
+        QCOMPARE(s.next_online_slot(3), 1); // past the end: from the first row
+        s.sprdStatus.setText(2, 1, QStringLiteral("良好"));
+        QCOMPARE(s.next_online_slot(2), 0);
+        QCOMPARE(s.next_online_slot(3), 0);
+        ConsoleState one(dir.path());
+        one.setMachines({{7}});
+        QCOMPARE(one.next_slot(0), 0);
+    }
+
+    void pollingStartsAtTheFirstOnlineSlot()
+    {
+        LinkHarness h;
+        h.state->setMachines({{1}, {2}});
+        FakeLine line;
+        line.firmware[2] = QStringLiteral("2.31"); // machine 1 stays silent
+        h.port.responder = [&line](const QByteArray &f) { return line.answer(f); };
+        h.link->tmrRecvErr.setInterval(100);
+        QVERIFY(h.open());
+        QTRY_VERIFY(commands(line).contains("RRP"));
+        const QByteArray firstPoll = line.seen[commands(line).indexOf("RRP")];
+        QCOMPARE(firstPoll.mid(1, 3), QByteArray("002"));
+        // Machine 1 was asked only in the scan: three WHO frames, nothing after them.
+        QCOMPARE(std::count_if(line.seen.begin(), line.seen.end(),
+                               [](const QByteArray &f) { return f.mid(1, 6) == "001WHO"; }),
+                 3);
+        QVERIFY(!std::any_of(line.seen.begin(), line.seen.end(),
+                             [](const QByteArray &f) { return f.mid(1, 3) == "001" && f.mid(4, 3) != "WHO"; }));
+        QCOMPARE(h.state->CurrentMachine, 2);
+    }
+
+    void programImageFollowsTheForegroundMachine()
+    {
+        LinkHarness h;
+        h.state->setMachines({{1}, {2}});
+        FakeLine line;
+        line.firmware[1] = line.firmware[2] = QStringLiteral("2.31");
+        h.port.responder = [&line](const QByteArray &f) { return line.answer(f); };
+        h.link->tmrRecvErr.setInterval(100);
+        ControllerImage &img = h.state->image;
+        auto reopen = [&] {
+            h.link->closeLink();
+            QVERIFY(h.open());
+            QTRY_COMPARE(h.state->CmdState, 1);
+        };
+        QVERIFY(h.open());
+        QTRY_COMPARE(h.state->CmdState, 1);
+        QCOMPARE(h.state->CurrentMachine, 1);
+        img.PatternLoaded[4] = img.PatternNameLoaded[0] = true;
+        // The same machine answers first again: its programs stay loaded.
+        reopen();
+        QCOMPARE(h.state->CurrentMachine, 1);
+        QVERIFY(img.PatternLoaded[4] && img.PatternNameLoaded[0]);
+        // Machine 1 is gone: machine 2 comes to the foreground with no program loaded.
+        line.firmware.remove(1);
+        reopen();
+        QCOMPARE(h.state->CurrentMachine, 2);
+        QVERIFY(!img.PatternLoaded[4] && !img.PatternNameLoaded[0]);
+    }
+
+    // The end of a text-row write's read-back repaints the open screen; a
+    // plain read of text rows does not, even with a refresh still owed to an
+    // earlier write (that one waits for the next read of the parameter block).
+    void textReadBackRepaintsAPlainReadDoesNot()
+    {
+        LinkHarness h;
+        FakeLine line;
+        line.texts[14] = toAnsi(QStringLiteral("高溫"));
+        connectLine(h, line);
+        QTRY_VERIFY(!h.state->RefreshOnOpen);
+        QSignalSpy refreshed(&h.refresh, &QTimer::timeout);
+        h.state->requests().writeRunWord(Rrp::Step, 1);
+        QTRY_VERIFY(h.state->RefreshAfterWrite);
+
+        h.state->requests().readPatternName(3);
+        QTRY_COMPARE(h.state->image.sprdTD.text(1, 14), QStringLiteral("高溫"));
+        QTRY_COMPARE(h.state->CmdState, 2); // polling again
+        QTest::qWait(50);
+        QCOMPARE(refreshed.size(), 0);
+        QVERIFY(h.state->RefreshAfterWrite);
+
+        h.state->image.sprdTD.setText(1, 14, QStringLiteral("低溫"));
+        h.state->requests().writeTextRow(14);
+        QTRY_COMPARE(refreshed.size(), 1);
+        QCOMPARE(commands(line).mid(commands(line).lastIndexOf("WTD")).mid(0, 2), QByteArrayList({"WTD", "RTD"}));
+        QCOMPARE(h.state->image.sprdTD.text(1, 14), QStringLiteral("低溫"));
+        QVERIFY(!h.state->RefreshAfterWrite);
+    }
+
+    // The same under Modbus RTU, where a text row is read back with the whole
+    // chain of text blocks.
+    void textReadBackRepaintsAPlainReadDoesNotModbus()
+    {
+        LinkHarness h;
+        h.state->CommProtocol = QStringLiteral("Modbus RTU");
+        FakeModbusLine line;
+        line.machines = {1};
+        line.registers[30002] = 0x0231; // firmware 2.49
+        h.port.responder = [&line](const QByteArray &f) { return line.answer(f); };
+        h.link->tmrRecvErr.setInterval(150);
+        QVERIFY(h.open());
+        QTRY_VERIFY(h.state->CmdState == 1 && !h.state->RefreshOnOpen);
+        QSignalSpy refreshed(&h.refresh, &QTimer::timeout);
+        h.state->requests().writeRunWord(Rrp::Step, 1);
+        QTRY_VERIFY(h.state->RefreshAfterWrite);
+
+        line.putText(44001 + 12 * 2, toAnsi(QStringLiteral("高溫")));
+        h.state->requests().readPatternName(3);
+        QTRY_COMPARE(h.state->image.sprdTD.text(1, 14), QStringLiteral("高溫"));
+        QTRY_COMPARE(h.state->CmdState, 2);
+        QTest::qWait(50);
+        QCOMPARE(refreshed.size(), 0);
+        QVERIFY(h.state->RefreshAfterWrite);
+
+        h.state->image.sprdTD.setText(1, 14, QStringLiteral("低溫"));
+        h.state->requests().writeTextRow(14);
+        QTRY_COMPARE_WITH_TIMEOUT(refreshed.size(), 1, 10000);
+        QCOMPARE(h.state->image.sprdTD.text(1, 14), QStringLiteral("低溫"));
+        QVERIFY(!h.state->RefreshAfterWrite);
+    }
+
+    void modbusCrcFailureNamesThePolledMachine()
+    {
+        LinkHarness h;
+        h.state->setMachines({{1}, {2}});
+        h.state->CommProtocol = QStringLiteral("Modbus RTU");
+        QCOMPARE(h.port.open({}, {}), CommPort::OpenResult::Ok);
+        // The parameter block is read from the foreground machine 1 while slot 1 (machine 2) is polled.
+        h.state->CurrentMachine = 1;
+        h.state->PollSlot = 1;
+        h.state->CmdState = Cmd::ReadUp;
+        h.link->tmrSend_Timer();
+        QCOMPARE(quint8(h.port.lastFrame()[0]), quint8(1));
+        QByteArray reply = withModbusCrc(QByteArray("\x01\x03\xF0", 3) + QByteArray(240, '\0'));
+        reply[reply.size() - 1] = char(reply[reply.size() - 1] ^ 0x5A);
+        h.port.feed(reply);
+        QTRY_COMPARE(h.state->statusPanel(4), QStringLiteral("機號 [2] : 通訊不良"));
+        QCOMPARE(h.state->sprdCommState.text(4, 2), QStringLiteral("1"));
+    }
+
+    // A device that goes away while open: the port is closed (and says so),
+    // the cause is logged, and the same device is looked for about once a
+    // second until it is back; then the scan runs and polling goes on.
+    void lostLineIsClosedAndReopenedWhenBack()
+    {
+        LinkHarness h;
+        FakeLine line;
+        connectLine(h, line);
+        const QString device = h.port.openedDevice;
+        QSignalSpy lost(h.link.get(), &CommLink::lineLost);
+        QSignalSpy portState(h.link.get(), &CommLink::portStateChanged);
+
+        h.port.vanish();
+        QTRY_COMPARE(lost.size(), 1);
+        h.state->requests().writeRunWord(Rrp::Run, 1); // posted while the line is away
+        QVERIFY(!h.port.isOpen());
+        QVERIFY(h.link->reopening());
+        QCOMPARE(portState.last().first().toBool(), false);
+        QCOMPARE(h.state->statusPanel(3), QStringLiteral("CLOSE"));
+        QVERIFY(!h.state->machines[0].MachineOnline);
+        QFile errLog(h.dir.filePath("Err.LOG"));
+        QVERIFY(errLog.open(QIODevice::ReadOnly));
+        const QStringList log = QString::fromUtf8(errLog.readAll()).split("\r\n", Qt::SkipEmptyParts);
+        QCOMPARE(log.size(), 1);
+        QVERIFY2(QRegularExpression("^\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d,9,.*Resource error,MSComm1_OnComm$")
+                     .match(log[0]).hasMatch(), qPrintable(log[0]));
+
+        // Looked for about once a second, not in a loop.
+        const int attempts = h.port.openAttempts;
+        QTest::qWait(2500);
+        QVERIFY(!h.port.isOpen());
+        QVERIFY2(h.port.openAttempts - attempts >= 1 && h.port.openAttempts - attempts <= 4,
+                 qPrintable(QString::number(h.port.openAttempts - attempts)));
+
+        const qsizetype before = line.seen.size();
+        h.port.present = true;
+        QTRY_VERIFY_WITH_TIMEOUT(h.port.isOpen(), 3000);
+        QCOMPARE(h.port.openedDevice, device);
+        QVERIFY(!h.link->reopening());
+        QCOMPARE(h.state->statusPanel(3), QStringLiteral("OPEN"));
+        QTRY_COMPARE(h.state->CmdState, 2);
+        const QByteArrayList after = commands(line).mid(before);
+        QCOMPARE(after.first(), QByteArray("WHO"));  // the opening scan first
+        QVERIFY(!after.contains("WRP"));             // the request of the time away is dropped
+        QVERIFY(h.state->machines[0].MachineOnline);
+        QCOMPARE(lost.size(), 1);
+    }
+
+    void lostLineIsNotReopenedUnderNewSettings()
+    {
+        LinkHarness h;
+        FakeLine line;
+        connectLine(h, line);
+        h.port.vanish();
+        QTRY_VERIFY(h.link->reopening());
+        h.state->CommPortNo = 2; // the operator chose another port meanwhile
+        h.port.present = true;
+        QTRY_VERIFY(!h.link->reopening());
+        QTest::qWait(1200);
+        QVERIFY(!h.port.isOpen());
+        // The operator's own open ends the looking too.
+        h.state->CommPortNo = 1;
+        QVERIFY(h.open());
+        h.port.vanish();
+        QTRY_VERIFY(h.link->reopening());
+        h.port.present = true;
+        QVERIFY(h.open());
+        QVERIFY(!h.link->reopening());
+    }
+
+    void screenCaptureWritesTheBitmapAndPollingGoesOn()
+    {
+        LinkHarness h;
+        FakeLine line;
+        line.screen = QByteArray(320 * 240, char(0xE0)); // every pixel full red
+        connectLine(h, line);
+        QSignalSpy captured(h.link.get(), &CommLink::screenCaptured);
+        h.state->requests().readScreen();
+        QTRY_COMPARE_WITH_TIMEOUT(captured.size(), 1, 5000);
+        QFile bmp(h.dir.filePath("DispScr.BMP"));
+        QVERIFY(bmp.open(QIODevice::ReadOnly));
+        const QByteArray b = bmp.readAll();
+        QCOMPARE(b.size(), 230454);
+        QCOMPARE(b.left(2), QByteArray("BM"));
+        QCOMPARE(b.mid(54, 3), QByteArray("\x3F\x1F\xFF", 3)); // blue, green, red of the first pixel
+        // Back in state 1: the next frame is the poll's RRP.
+        const int at = int(commands(line).lastIndexOf("RCS"));
+        QTRY_VERIFY(commands(line).size() > at + 1);
+        QCOMPARE(commands(line)[at + 1], QByteArray("RRP"));
     }
 
     void stateWithoutAFrameStillReadsTheMailbox()

@@ -217,6 +217,31 @@ private slots:
         QCOMPARE(r[1][0], QString("00000002"));
         QCOMPARE(r[1][2], QString("08:03:30"));
     }
+
+    // After the line was away a machine gets rows again only once it has been
+    // read anew: what the table holds until then is from before.
+    void noRowsFromBeforeALostLine()
+    {
+        auto state = makeState(home, {1, 2});
+        auto logger = makeLogger(*state);
+        auto second = [&] {
+            m_now = m_now.addSecs(1);
+            logger->Timer1_Timer();
+        };
+        second();
+        QCOMPARE(crlfLines(home + "/data/QM730_001.QM7").size(), 1);
+        logger->lineLost();
+        second(); // the port open again, the machines online again, not read yet
+        QCOMPARE(crlfLines(home + "/data/QM730_001.QM7").size(), 1);
+        QCOMPARE(crlfLines(home + "/data/QM730_002.QM7").size(), 1);
+        logger->statusRead(1);
+        second();
+        QCOMPARE(crlfLines(home + "/data/QM730_001.QM7").size(), 1);
+        QCOMPARE(crlfLines(home + "/data/QM730_002.QM7").size(), 2);
+        logger->statusRead(0);
+        second();
+        QCOMPARE(crlfLines(home + "/data/QM730_001.QM7").size(), 2);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestRunLog)

@@ -1,6 +1,7 @@
 // Operator actions of the single-chamber console and what they leave in the
 // scheduler's mailbox; the edit flags that keep the refresh off a field.
 #include "RunFixture.h"
+#include "ShellOpen.h"
 #include "SaveSettings.h"
 #include "frmQM730_Set_DSave.h"
 #include <QComboBox>
@@ -189,7 +190,7 @@ private slots:
         b.state.image.sprdTD.setText(1, 12 + 11, QStringLiteral("高溫測試"));
         b.rrp(Rrp::StartPattern, 12);
         frmQM730_RunSimple &form = b.open();
-        QCOMPARE(b.mail(), (QList<int>{4, 12, 0}));
+        QCOMPARE(b.mail(), (QList<int>{4, 12 + 11, 0})); // the pattern's name row
         QCOMPARE(form.LastPatternAsked(), 12);
         QCOMPARE(b.text("lblPTN_Name"), QStringLiteral("高溫測試"));
 
@@ -201,7 +202,7 @@ private slots:
         b.state.CommProtocol = QStringLiteral("Modbus RTU");
         b.rcv(Rcv::RunPattern, 30);
         b.tick();
-        QCOMPARE(b.mail(), (QList<int>{9001, 30, 0}));
+        QCOMPARE(b.mail(), (QList<int>{9003, 30 + 11, 0})); // the block of names 21 to 30
     }
 
     void saveSettingsDialogRefreshesTheTable()
@@ -247,6 +248,24 @@ private slots:
         QVERIFY(notice && notice->isVisible());
         QVERIFY(notice->text().contains(QStringLiteral("QM730_GView.exe")));
         notice->close();
+    }
+
+    void graphViewerIsStartedFromTheProgramsFolder()
+    {
+        RunBench b;
+        QStringList started;
+        setShellOpenHandler([&started](const QString &target, bool program) {
+            started << (program ? "run " : "open ") + target;
+            return true;
+        });
+        QFile viewer(b.home.filePath(QStringLiteral("QM730_GView.exe")));
+        QVERIFY(viewer.open(QIODevice::WriteOnly));
+        viewer.close();
+        frmQM730_RunSimple &form = b.open();
+        QTest::mouseClick(b.find<QPushButton>("btnGrpView"), Qt::LeftButton);
+        setShellOpenHandler({});
+        QCOMPARE(started, QStringList{"run " + viewer.fileName()});
+        QVERIFY(!form.findChild<QMessageBox *>());
     }
 
     void loadAndUnload()

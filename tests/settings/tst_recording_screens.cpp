@@ -18,6 +18,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFileSystemModel>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -25,6 +26,7 @@
 #include <QSignalSpy>
 #include <QTableWidget>
 #include <QTemporaryDir>
+#include <QTreeView>
 #include <QtTest>
 
 namespace {
@@ -162,6 +164,15 @@ private slots:
         frmSelectFolder picker("C:\\runs\\oven", home);
         QCOMPARE(picker.windowTitle(), QString("選擇檔案路徑"));
         QCOMPARE(child<QLabel>(picker, "lblFolder")->text(), home + "/runs/oven");
+        // The folder list opens down to the folder, which is chosen and in sight.
+        picker.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&picker));
+        auto *dir1 = child<QTreeView>(picker, "Dir1");
+        auto *model = qobject_cast<QFileSystemModel *>(dir1->model());
+        QVERIFY(model);
+        QTRY_VERIFY_WITH_TIMEOUT(model->filePath(dir1->currentIndex()) == home + "/runs/oven"
+                                     && dir1->viewport()->rect().intersects(dir1->visualRect(dir1->currentIndex())),
+                                 10000);
         picker.goTo(home + "/runs/missing/deeper"); // the nearest existing folder
         child<QPushButton>(picker, "btnOK")->click();
         QCOMPARE(picker.folder(), home + "/runs");

@@ -1,10 +1,11 @@
 """Faults switched on and off while qm730-sim runs, from a start script and the control socket."""
 
 import os
+import subprocess
 import time
 import unittest
 
-from simtest import SimCase, read_burst, read_exact, request, silent_for, temp_word, words
+from simtest import SIM, SimCase, read_burst, read_exact, request, silent_for, temp_word, words
 
 START_SCRIPT = """# machine 2 starts silent
 fault 2 silent on
@@ -111,6 +112,35 @@ class Scenario(SimCase):
             lines = f.read().splitlines()
         self.assertIn("rx " + frames[2].hex().upper(), lines)
         self.assertIn("tx " + (b"\x02001RUP,OK,0009,\x00\x01\x03\r\n").hex().upper(), lines)
+
+
+class Unplugging(SimCase):
+    """The line taken away and brought back under the same link, as a pulled USB adapter."""
+
+    options = ("--machines", "1", "--seed", "0", "--speed", "0", "--no-pace")
+
+    def test_unplug_and_plug(self):
+        self.assertIn(b"QM", self.ask(request(1, "WHO"), timeout=1.0))
+        self.sim.ok("unplug")
+        self.assertFalse(os.path.exists(self.sim.link))
+        self.assertTrue(self.sim.command("unplug").startswith("error: "))
+        self.sim.ok("plug")
+        self.assertTrue(os.path.exists(self.sim.link))
+        self.assertTrue(self.sim.command("plug").startswith("error: "))
+        self.port.close()
+        self.port = self.sim.open_port()
+        self.assertIn(b"QM", self.ask(request(1, "WHO"), timeout=1.0))
+
+
+class Help(unittest.TestCase):
+    def test_help_lists_the_commands_and_faults(self):
+        text = subprocess.run([SIM, "--help"], capture_output=True, text=True, timeout=10).stdout
+        for word in ["fault <machine|all>", "set <machine>", "get <machine>", "stats", "log", "tick", "speed",
+                     "unplug", "plug", "quit"]:
+            self.assertIn("  " + word, text)
+        for fault in ["silent", "split", "noise", "badsum", "badetx", "badetxgood", "exception", "delay",
+                      "wrongmachine", "short", "noqm"]:
+            self.assertRegex(text, r"\n  " + fault + r" +\S")
 
 
 if __name__ == "__main__":

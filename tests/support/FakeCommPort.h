@@ -18,17 +18,36 @@ public:
     // an empty answer is silence.
     std::function<QByteArray(const QByteArray &)> responder;
 
-    OpenResult open(const QString &, const QString &settings) override
+    // False while the device is gone: opening it fails as for a missing device.
+    bool present = true;
+    int openAttempts = 0;
+
+    OpenResult open(const QString &device, const QString &settings) override
     {
+        ++openAttempts;
+        if (!present)
+            return OpenResult::NotFound;
+        openedDevice = device;
         openedSettings = settings;
         m_open = true;
         return OpenResult::Ok;
+    }
+    QString openedDevice;
+
+    // The device goes away while open, as a pulled adapter: it stays open for
+    // the console, silent, until closed, and cannot be opened again until
+    // `present` is true again.
+    void vanish()
+    {
+        present = false;
+        m_input.clear();
+        emit lost(9, QStringLiteral("Resource error"));
     }
     void close() override { m_open = false; m_input.clear(); }
     bool isOpen() const override { return m_open; }
     void write(const QByteArray &bytes) override
     {
-        if (!m_open)
+        if (!m_open || !present)
             return;
         written << bytes;
         if (responder && bytes != QByteArray(1, '\0')) {

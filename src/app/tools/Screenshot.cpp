@@ -10,6 +10,7 @@
 // saves the screen as drawn. SCREEN is a name of the screen registry or
 // frmQM730_Main. Run it under Xvfb (scripts/screenshots) for the fonts of a
 // real desktop.
+#include "ConsoleApplication.h"
 #include "ConsoleCore.h"
 #include "Demo.h"
 #include "Files.h"
@@ -22,13 +23,11 @@
 #include <QCommandLineParser>
 #include <QDialog>
 #include <QEventLoop>
-#include <QLibraryInfo>
 #include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
 #include <QTextStream>
 #include <QTimer>
-#include <QTranslator>
 #include <memory>
 
 namespace {
@@ -57,12 +56,7 @@ QAbstractButton *findButton(QWidget *root, const QString &spec)
 int main(int argc, char **argv)
 {
     QApplication app(argc, argv);
-    QFont font = app.font();
-    font.setFamily(QStringLiteral("Noto Sans CJK TC"));
-    app.setFont(font);
-    QTranslator translator;
-    if (translator.load(QStringLiteral("qtbase_zh_TW"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
-        app.installTranslator(&translator);
+    prepareConsoleApplication(app);
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Pictures of the console's screens against the simulated line."));
