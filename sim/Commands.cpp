@@ -62,6 +62,8 @@ std::optional<QString> Commands::execute(const QString &line)
         return set(t, line);
     if (cmd == QLatin1String("get"))
         return get(t);
+    if (cmd == QLatin1String("programs"))
+        return programs(t);
     if (cmd == QLatin1String("stats")) {
         if (t.size() == 1)
             return m_line.stats();
@@ -129,6 +131,28 @@ QString Commands::fault(const QStringList &t)
     }
     for (const int m : machines)
         m_line.setFault(m, *f, state == QLatin1String("on"), ms);
+    return QStringLiteral("ok");
+}
+
+// programs <machine|all> <patterns> <segments>: a generated program memory.
+QString Commands::programs(const QStringList &t)
+{
+    const auto patterns = number(t.value(2));
+    const auto segments = number(t.value(3));
+    if (t.size() != 4 || !patterns || !segments || *patterns < 0 || *segments < 0 || *segments > Controller::Segments)
+        return error(QStringLiteral("usage: programs <machine|all> <patterns> <segments 0..100>"));
+    QList<Controller *> targets;
+    if (t[1] == QLatin1String("all")) {
+        targets = m_line.controllers();
+    } else {
+        const auto m = number(t[1]);
+        Controller *c = m ? m_line.controller(*m) : nullptr;
+        if (!c)
+            return error(QStringLiteral("no machine %1 on the line").arg(t[1]));
+        targets << c;
+    }
+    for (Controller *c : targets)
+        c->fillPrograms(*patterns, *segments);
     return QStringLiteral("ok");
 }
 

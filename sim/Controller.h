@@ -79,6 +79,11 @@ public:
     bool canWriteRegister(int reg) const;
     void writeRegister(int reg, quint16 word);
 
+    // Replaces the program memory by a generated one: patterns 1 to `patterns`
+    // named "程式N" with `segments` segments each, every other pattern empty
+    // (no segments, a one-run pattern starting from 25 degrees).
+    void fillPrograms(int patterns, int segments);
+
     // Holds a live-status row at a fixed word until released with no value.
     // Rows 2 and 5 also drive the chamber (65535 is a sensor burn-out).
     void pinRcv(int row, std::optional<quint16> word);
@@ -110,6 +115,8 @@ private:
 
     void loadFactory(const ControllerSetup &setup);
     void loadExamplePrograms();
+    void clearPrograms();
+    void setPatternName(int pattern, const QString &name);
     void put(int currentRow, int legacyRow, quint16 value);
     quint16 word(int row) const;  // parameter row, 0 when the block lacks it
 

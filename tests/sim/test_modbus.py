@@ -87,7 +87,7 @@ class Registers(SimCase):
         names = self.read(42001, 120)
         self.assertEqual(len(names), 8 * 15)
         row12 = b"".join(w.to_bytes(2, "big") for w in self.read(44001, 12))
-        self.assertEqual(row12.rstrip(b"\0").decode("big5"), "程式組1")
+        self.assertEqual(row12.rstrip(b"\0").decode("big5"), "高溫高濕測試")
         name = "低溫".encode("big5").ljust(24, b"\0")
         self.write(44001 + 12 * 3, [int.from_bytes(name[i : i + 2], "big") for i in range(0, 24, 2)])  # row 15
         self.assertEqual(self.sim.command("get 1 td 15"), "低溫")

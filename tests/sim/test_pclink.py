@@ -59,7 +59,7 @@ class Replies(SimCase):
         self.assertEqual(words(self.answer(request(12, "RUP", 80), 21, b"\x02012RUP,OK,0080,")), [1])
 
     def test_text_rows_hold_big5_names_and_take_writes(self):
-        self.assertEqual(self.answer(request(1, "RTD", 12), 48, b"\x02001RTD,OK,0012,").rstrip(b"\0").decode("big5"), "程式組1")
+        self.assertEqual(self.answer(request(1, "RTD", 12), 48, b"\x02001RTD,OK,0012,").rstrip(b"\0").decode("big5"), "高溫高濕測試")
         name = "高溫測試".encode("big5").ljust(29, b"\0")
         self.assertEqual(self.ask(request(1, "WTD", 13, data=name), 18), b"\x02001WTD,OK,0013\x03\r\n")
         self.assertEqual(self.answer(request(1, "RTD", 13), 48, b"\x02001RTD,OK,0013,"), name)
@@ -134,6 +134,32 @@ class Replies(SimCase):
             port.write(request(1, "WHO"))
             self.assertIn(b"QM", read_reply(port))
             port.close()
+
+
+class GeneratedPrograms(SimCase):
+    """The program memory filled by the control command, per firmware's pattern count."""
+
+    options = ("--machines", "1,12:2.09", "--seed", "0", "--speed", "0", "--no-pace")
+
+    def segments(self, machine, pattern):
+        header = b"\x02%03dRPD,OK,%04d,0000," % (machine, pattern)
+        reply = self.ask(request(machine, "RPD", pattern, 0), 186)
+        self.assertEqual(reply[:len(header)], header)
+        return words(reply[len(header):-3])[0]
+
+    def test_patterns_get_segments_names_and_the_rest_is_empty(self):
+        self.sim.ok("programs all 30 10")
+        for machine, count in [(1, 100), (12, 300)]:
+            self.assertEqual([self.segments(machine, p) for p in (1, 30, 31, count)], [10, 10, 0, 0])
+            name = self.ask(request(machine, "RTD", 11 + 30), 48)[16:45]
+            self.assertEqual(name.rstrip(b"\0").decode("big5"), "程式30")
+            self.assertEqual(self.ask(request(machine, "RTD", 11 + 31), 48)[16:45], bytes(29))
+            segment = words(self.ask(request(machine, "RSD", 30, 10, 0), 87)[26:-3])
+            self.assertEqual(len(segment), 29)
+            self.assertNotEqual(segment[3], 0)  # a duration
+        self.assertNotIn(b",OK,", self.ask(request(1, "RPD", 101, 0)))  # 100 patterns on 2.31
+        self.assertTrue(self.sim.command("programs 1 5 101").startswith("error"))
+        self.assertTrue(self.sim.command("programs 9 5 5").startswith("error"))
 
 
 class WithSum(SimCase):
