@@ -4,6 +4,7 @@
 #include "ScreenContext.h"
 #include "frmQM730_About.h"
 #include "frmQM730_History.h"
+#include "frmQM730_PTN_Recv.h"
 #include "frmQM730_RunSimple.h"
 #include "frmQM730_Set_DSave.h"
 #include "frmQM730_Set_EMail.h"
@@ -61,7 +62,7 @@ ScreenRegistry ScreenRegistry::console()
         {"frmQM730Prg_SEG", Nothing, {}},
         {"frmQM730Prg_SEG_TS", Nothing, {}},
         {"frmQM730Prg_Managemen", Nothing, {}},
-        {"frmQM730_PTN_Recv", Nothing, {}},
+        {"frmQM730_PTN_Recv", Nothing, make<frmQM730_PTN_Recv>()},
         // Run settings.
         {"frmQM730Func_Run", refresh, {}},
         {"frmQM730Func_GrpSave", refresh, {}},

@@ -375,7 +375,7 @@ std::optional<BulkTable> bulkTableOf(int state)
     if ((state >= Cmd::RecvUpPieces && state <= Cmd::RecvUpLastPiece)
         || (state >= Cmd::SendUpPieces && state <= Cmd::SendUpLastPiece))
         return BulkTable::Parameters;
-    if (state >= Cmd::RecvTextInputs && state <= Cmd::RecvNamesLast)
+    if (state >= Cmd::RecvTextInputs && state <= Cmd::RecvNamesMax)
         return BulkTable::Texts;
     return std::nullopt;
 }

@@ -48,6 +48,9 @@ public:
     bool SystemLocked = false;   // operator's program lock (mHelpLock)
     int PtnDataOption = -1;      // index of optPTN_Data; -1 when none is selected
     bool SingleConsoleOpen = false; // the single-chamber console is open
+    // The operator stopped the program fetch: the editor that asked for it
+    // closes at once without saving the cache; cleared when an editor closes.
+    bool ReceptionStopped = false;
 
     // Machine list.
     bool MultiMode = false;

@@ -42,7 +42,7 @@ void CommLink::sendModbusState(int P, int F)
         read(F, 40101 + 120 * (st - Cmd::RecvUpPieces), 120);
     } else if (st >= Cmd::ReadNames && st <= Cmd::ReadNamesLast) {
         read(F, 44001 + 120 * (st - Cmd::ReadNames), 120);
-    } else if (st >= Cmd::RecvNames && st <= Cmd::RecvNamesLast) {
+    } else if (st >= Cmd::RecvNames && st <= Cmd::RecvNamesMax) {
         read(F, 44001 + 120 * (st - Cmd::RecvNames), 120);
     } else if (st >= Cmd::SendUpPieces && st <= Cmd::SendUpLastPiece) {
         // Five pieces of 120 registers; rows past the end of the table go as 0.
@@ -178,7 +178,10 @@ void CommLink::dispatchModbus()
         }
         return;
     }
-    if (st >= Cmd::RecvTextInputs && st <= Cmd::RecvNamesLast) {
+    if (st >= Cmd::RecvTextInputs && st <= Cmd::RecvNamesMax) {
+        // Ten names a read until every pattern of the firmware has its name:
+        // 5201 to 5210 for 100 patterns, to 5230 for 300.
+        const int lastNames = Cmd::RecvNames + (s.PatternCount() + 9) / 10 - 1;
         if (st == Cmd::RecvTextInputs) {
             storeText(1, 8, 30, false);
             s.CmdIndex += 8;
@@ -190,12 +193,22 @@ void CommLink::dispatchModbus()
             s.CmdIndex += 10;
         }
         textProgress(std::min(s.CmdIndex - 1, s.PatternCount() + 11));
-        if (st < Cmd::RecvNamesLast) {
+        if (st < lastNames) {
             s.CmdState = st + 1;
-        } else {
-            textsDone();
+            return;
+        }
+        textsDone();
+        if (s.bulkJob != BulkJob::ProgramFetch) {
             s.PatternNo = 1;
             s.CmdState = Cmd::RecvPattern;
+            return;
+        }
+        // The fetch of the editors reads only the patterns not loaded yet.
+        if (const int p = NextUnloadedRow(img, QStringLiteral("RPD"), 1); p > 0) {
+            s.PatternNo = p;
+            s.CmdState = Cmd::RecvPattern;
+        } else {
+            bulkEndReceive();
         }
         return;
     }

@@ -67,8 +67,8 @@ enum State : int {
     RecvUpLastPiece = 5105,
     RecvTextInputs = 5199,     // Modbus RTU bulk receive of the texts: rows 1 to 8,
     RecvTextInfo = 5200,       // rows 9 to 11,
-    RecvNames = 5201,          // then ten names a read: 5201 to 5210
-    RecvNamesLast = 5210,
+    RecvNames = 5201,          // then ten names a read: 5201 to 5210 for 100 patterns,
+    RecvNamesMax = 5230,       // on to 5230 for 300
     SendUpPieces = 1511,       // Modbus RTU bulk send of the block: 1511 to 1515
     SendUpLastPiece = 1515,
     ReadNames = 9001,          // Modbus RTU: ten names a read, 9001 to 9010
