@@ -4,6 +4,7 @@
 #include "ScreenContext.h"
 #include "frmQM730_About.h"
 #include "frmQM730_History.h"
+#include "frmQM730Prg_PTN.h"
 #include "frmQM730_PTN_Recv.h"
 #include "frmQM730_RunSimple.h"
 #include "frmQM730_Set_DSave.h"
@@ -58,7 +59,7 @@ ScreenRegistry ScreenRegistry::console()
         {"frmQM730_DataInput", Nothing, {}},
         {"frmQM730_TMon", Nothing, {}},
         // Programs.
-        {"frmQM730Prg_PTN", Nothing, {}},
+        {"frmQM730Prg_PTN", Nothing, make<frmQM730Prg_PTN>()},
         {"frmQM730Prg_SEG", Nothing, {}},
         {"frmQM730Prg_SEG_TS", Nothing, {}},
         {"frmQM730Prg_Managemen", Nothing, {}},

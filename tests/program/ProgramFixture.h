@@ -68,7 +68,14 @@ inline QLineEdit *typeInto(QTableWidget *table, int row, int col, const QString 
     if (!editor)
         return nullptr;
     editor->selectAll();
-    QTest::keyClicks(editor, text);
+    // Key by key; characters without a key of their own (Chinese) arrive as
+    // the text of a key event, as an input method delivers them.
+    for (const QChar ch : text) {
+        if (ch.unicode() < 0x80)
+            QTest::keyClick(editor, ch.toLatin1());
+        else
+            QTest::sendKeyEvent(QTest::Click, editor, Qt::Key_unknown, QString(ch), Qt::NoModifier);
+    }
     if (key != 0) {
         QTest::keyClick(editor, Qt::Key(key));
         settle();
