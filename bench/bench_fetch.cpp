@@ -50,11 +50,39 @@ struct Counter {
     qint64 bytes = 0;
     qint64 exchangeBytes = 0;
     double beyondSettleMs = 0;
+    // Where the time goes: from a request to its reply taken (the wire, the
+    // controller and the settle time), and from the reply to the next request.
+    QElapsedTimer clock;
+    qint64 sentNs = -1, takenNs = -1;
+    double toReplyMs = 0, toNextMs = 0;
+    int replies = 0, nexts = 0;
     void reset()
     {
         exchanges = programReads = 0;
         bytes = exchangeBytes = 0;
         beyondSettleMs = 0;
+        clock.start();
+        sentNs = takenNs = -1;
+        toReplyMs = toNextMs = 0;
+        replies = nexts = 0;
+    }
+    void sent()
+    {
+        const qint64 now = clock.nsecsElapsed();
+        if (takenNs >= 0) {
+            toNextMs += double(now - takenNs) / 1e6;
+            ++nexts;
+        }
+        sentNs = now;
+        takenNs = -1;
+    }
+    void taken()
+    {
+        if (sentNs < 0 || takenNs >= 0)
+            return;
+        takenNs = clock.nsecsElapsed();
+        toReplyMs += double(takenNs - sentNs) / 1e6;
+        ++replies;
     }
     void closeExchange()
     {
@@ -117,6 +145,9 @@ int main(int argc, char **argv)
                     count.closeExchange();
                 ++count.exchanges;
                 count.programReads += isProgramRead(bytes, count.modbus);
+                count.sent();
+            } else {
+                count.taken();
             }
             count.bytes += bytes.size();
             count.exchangeBytes += bytes.size();
@@ -162,8 +193,15 @@ int main(int argc, char **argv)
             << QString::number(floorMs / 1000, 'f', 2) << " s (" << firstExchanges << " x 100 ms + "
             << QString::number(onWireMs, 'f', 0) << " ms on the wire); ratio " << QString::number(firstMs / floorMs, 'f', 3)
             << "\n";
-        out << "floor with the wire time inside the settle times: " << QString::number(overlapFloorMs / 1000, 'f', 2)
+        // In PC Link the settle time starts with the first byte of the reply,
+        // so the reply's bytes arrive inside it; in Modbus RTU it starts once
+        // the whole reply is in.
+        if (!modbus)
+            out << "floor with the wire time inside the settle times: " << QString::number(overlapFloorMs / 1000, 'f', 2)
             << " s; ratio " << QString::number(firstMs / overlapFloorMs, 'f', 3) << "\n";
+        out << "per exchange: " << QString::number(count.toReplyMs / std::max(1, count.replies), 'f', 1)
+            << " ms from request to reply taken, " << QString::number(count.toNextMs / std::max(1, count.nexts), 'f', 1)
+            << " ms from there to the next request\n";
         out << "counters: good " << s.sprdCommState.text(1, 1) << ", bad " << s.sprdCommState.text(2, 1)
             << ", time-outs " << s.sprdCommState.text(3, 1) << "\n";
 
