@@ -3,12 +3,10 @@
 // half-way, the next opening goes on from where it stood and reads nothing
 // twice, and a repeat count and a name typed into the list end up in the
 // simulated controller's memory and, read back, on the screen.
-#include "ConsoleCore.h"
 #include "ModalDriver.h"
 #include "ProgramImage.h"
-#include "SimProcess.h"
+#include "SimConsole.h"
 #include "TableTyping.h"
-#include "TestHome.h"
 #include "Widgets.h"
 #include "frmQM730Prg_PTN.h"
 #include "frmQM730_PTN_Recv.h"
@@ -35,39 +33,10 @@ bool idle(const ConsoleState &s)
 class ProgramEditTest : public QObject {
     Q_OBJECT
 
-    QTemporaryDir m_dir;
-    std::unique_ptr<SimProcess> m_sim;
-    std::unique_ptr<TestHome> m_home;
-    std::unique_ptr<ConsoleCore> m_core;
-
-    // The simulator with one machine and a control script, and a console
-    // whose COM1 is its line, port open and polling.
-    bool bringUp(const QString &protocol, const QString &machine, const QStringList &script)
-    {
-        m_core.reset();
-        m_sim = std::make_unique<SimProcess>(m_dir.path());
-        if (!m_sim->start({QStringLiteral("--machines"), machine, QStringLiteral("--protocol"), protocol,
-                           QStringLiteral("--no-pace")}))
-            return false;
-        for (const QString &line : script)
-            if (m_sim->command(line) != QLatin1String("ok"))
-                return false;
-        m_home = std::make_unique<TestHome>();
-        m_home->writePortCfg(protocol);
-        m_home->mapPorts({"COM1=" + m_sim->linkPath()});
-        m_home->machines({true});
-        m_core = std::make_unique<ConsoleCore>(m_home->path());
-        return m_core->start() == ConsoleCore::StartResult::Ok
-               && m_core->togglePort() == ConsoleCore::PortAction::Opened;
-    }
+    SimConsole m_line;
 
 private slots:
-    void cleanup()
-    {
-        m_core.reset();
-        m_home.reset();
-        m_sim.reset();
-    }
+    void cleanup() { m_line.reset(); }
 
     void stoppedFetchResumesAndEditsReachTheController_data()
     {
@@ -79,8 +48,8 @@ private slots:
     {
         QFETCH(QString, protocol);
         // Patterns 1 to 8 with two segments each, the other 92 empty.
-        QVERIFY(bringUp(protocol, QStringLiteral("1"), {QStringLiteral("programs 1 8 2")}));
-        ConsoleState &s = m_core->state();
+        QVERIFY(m_line.bringUp(protocol, QStringLiteral("1"), {true}, {QStringLiteral("programs 1 8 2")}, {QStringLiteral("--no-pace")}));
+        ConsoleState &s = m_line.core->state();
         ControllerImage &img = s.image;
         QTRY_VERIFY_WITH_TIMEOUT(idle(s), 5000);
         QCOMPARE(s.PatternCount(), 100);
@@ -96,13 +65,13 @@ private slots:
                     QTest::qWait(5);
                 w->findChild<QPushButton *>(QStringLiteral("btnStop"))->click();
             });
-            frmQM730Prg_PTN editor(m_core->context());
+            frmQM730Prg_PTN editor(m_line.core->context());
             QCOMPARE(d.met, QStringList({"frmQM730_PTN_Recv"}));
             QVERIFY(d.unexpected.isEmpty());
             QCOMPARE(editor.exec(), int(QDialog::Rejected)); // closes itself at once
         }
         QVERIFY(!s.ReceptionStopped);
-        QVERIFY(!QFile::exists(programCachePath(m_home->path(), 1, u"PD")));
+        QVERIFY(!QFile::exists(programCachePath(m_line.home->path(), 1, u"PD")));
         QTRY_VERIFY_WITH_TIMEOUT(idle(s), 5000);
         const int before = loadedPatterns(img);
         QVERIFY2(before >= 5 && before < 100, qPrintable(QString::number(before)));
@@ -112,7 +81,7 @@ private slots:
         // Marks in rows already read: the second opening must leave them.
         img.sprdTD.setText(1, patternNameRow(1), QStringLiteral("舊名"));
         img.sprdPD.setNumber(Pd::RepeatAll, 1, 777);
-        QCOMPARE(m_sim->command(QStringLiteral("log clear")), QStringLiteral("ok"));
+        QCOMPARE(m_line.sim->command(QStringLiteral("log clear")), QStringLiteral("ok"));
 
         ModalDriver d;
         d.then([](QWidget *w) { // the wait screen ends by itself
@@ -121,18 +90,18 @@ private slots:
             while (w->isVisible() && t.elapsed() < 30000)
                 QTest::qWait(5);
         });
-        frmQM730Prg_PTN editor(m_core->context());
+        frmQM730Prg_PTN editor(m_line.core->context());
         editor.show();
         QCOMPARE(d.met, QStringList({"frmQM730_PTN_Recv"}));
         QCOMPARE(loadedPatterns(img), 100);
         QCOMPARE(img.sprdTD.text(1, patternNameRow(1)), QStringLiteral("舊名"));
         QCOMPARE(img.sprdPD.text(Pd::RepeatAll, 1), QStringLiteral("777"));
         QCOMPARE(img.sprdPD.text(Pd::SegmentCount, 8), QStringLiteral("2"));
-        QCOMPARE(img.sprdSD.text(Sd::column(2, Sd::SegTempSV), 8), m_sim->command(QStringLiteral("get 1 sd 8 2 1")));
+        QCOMPARE(img.sprdSD.text(Sd::column(2, Sd::SegTempSV), 8), m_line.sim->command(QStringLiteral("get 1 sd 8 2 1")));
         QCOMPARE(img.sprdPD.text(Pd::SegmentCount, 100), QStringLiteral("0"));
         if (protocol == QLatin1String("PC Link")) {
             int patternReads = 0, nameReads = 0;
-            for (const QByteArray &f : m_sim->frames()) {
+            for (const QByteArray &f : m_line.sim->frames()) {
                 patternReads += f.mid(4, 3) == "RPD";
                 nameReads += f.mid(4, 3) == "RTD";
             }
@@ -144,15 +113,15 @@ private slots:
         // The repeat count of pattern 2, then the name of pattern 3.
         auto *list = child<QTableWidget>(editor, "sprdPattern");
         typeInto(list, 1, frmQM730Prg_PTN::ColRepeatAll, QStringLiteral("7"));
-        QTRY_COMPARE_WITH_TIMEOUT(m_sim->command(QStringLiteral("get 1 pd 2 5")), QStringLiteral("7"), 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(m_line.sim->command(QStringLiteral("get 1 pd 2 5")), QStringLiteral("7"), 5000);
         QTRY_VERIFY_WITH_TIMEOUT(idle(s), 5000);
         QCOMPARE(list->item(1, frmQM730Prg_PTN::ColRepeatAll)->text(), QStringLiteral("7"));
         typeInto(list, 2, frmQM730Prg_PTN::ColName, QStringLiteral("新程式名稱"));
-        QTRY_COMPARE_WITH_TIMEOUT(m_sim->command(QStringLiteral("get 1 td 14")), QStringLiteral("新程式名稱"), 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(m_line.sim->command(QStringLiteral("get 1 td 14")), QStringLiteral("新程式名稱"), 5000);
         QTRY_VERIFY_WITH_TIMEOUT(idle(s), 5000);
         QCOMPARE(list->item(2, frmQM730Prg_PTN::ColName)->text(), QStringLiteral("新程式名稱"));
         editor.close();
-        QVERIFY(QFile::exists(programCachePath(m_home->path(), 1, u"PD")));
+        QVERIFY(QFile::exists(programCachePath(m_line.home->path(), 1, u"PD")));
         QVERIFY(d.unexpected.isEmpty());
     }
 
@@ -160,12 +129,13 @@ private slots:
     // last name.
     void allThreeHundredNamesOnModbus()
     {
-        QVERIFY(bringUp(QStringLiteral("Modbus RTU"), QStringLiteral("1:2.09"), {QStringLiteral("programs 1 300 0")}));
-        ConsoleState &s = m_core->state();
+        QVERIFY(m_line.bringUp(QStringLiteral("Modbus RTU"), QStringLiteral("1:2.09"), {true}, {QStringLiteral("programs 1 300 0")},
+                               {QStringLiteral("--no-pace")}));
+        ConsoleState &s = m_line.core->state();
         QTRY_VERIFY_WITH_TIMEOUT(idle(s), 5000);
         QCOMPARE(s.PatternCount(), 300);
         s.image.PatternLoaded.fill(true);
-        frmQM730_PTN_Recv fetch(m_core->context());
+        frmQM730_PTN_Recv fetch(m_line.core->context());
         QTimer::singleShot(20000, &fetch, &QDialog::reject); // a hang fails below, not the run
         QCOMPARE(fetch.exec(), int(QDialog::Accepted));
         QVERIFY(std::all_of(s.image.PatternNameLoaded.begin(), s.image.PatternNameLoaded.end(), [](bool b) { return b; }));
