@@ -114,6 +114,16 @@ class Registers(SimCase):
         read.records[0].file_number, read.records[0].record_number = 4, 3
         self.assertEqual(self.client.execute(read).records[0].record_data, data)
 
+    def test_generated_programs_follow_the_firmwares_pattern_count(self):
+        self.sim.ok("programs 5 300 1")
+        # Register numbers are 16 bits: pattern 191 is the last one whose 81 registers fit.
+        p191 = 50001 + 81 * 190
+        self.assertEqual(self.read(p191, 81, slave=5)[0], 1)
+        name = b"".join(w.to_bytes(2, "big") for w in self.read(44001 + 12 * 299, 12, slave=5))
+        self.assertEqual(name.rstrip(b"\0").decode("big5"), "程式300")
+        self.assertEqual(self.client.read_holding_registers(50001 + 81 * 100, 81, slave=1).exception_code, 2)  # 100 patterns
+        self.assertEqual(self.sim.word("5 pd 300 1"), 1)
+
     def test_exception_replies(self):
         self.assertEqual(self.client.read_holding_registers(39999, 2, slave=1).exception_code, 2)
         self.assertEqual(self.client.read_holding_registers(40016, 3, slave=1).exception_code, 2)
