@@ -21,11 +21,27 @@ void CommLink::sendModbusState(int P, int F)
     ControllerImage &img = s.image;
     const int st = s.CmdState;
     s.RxSettleMs = 50;
+    // Register numbers are 16 bits on the wire: with 300 patterns, those past
+    // pattern 191 have no registers. A fetch ends there; any other request
+    // for them is dropped rather than sent to a wrapped-around register.
+    auto addressable = [&](int start, int count) {
+        if (start + count - 1 <= 0xFFFF)
+            return true;
+        if (st == Cmd::RecvPattern)
+            bulkEndReceive();
+        else
+            s.CmdState = Cmd::Poll;
+        return false;
+    };
     auto read = [&](int machine, int start, int count) {
+        if (!addressable(start, count))
+            return;
         m_lastMachine = machine;
         writeModbus(modbus::modbus_read(machine, start, count), modbus::readReplyLength(count));
     };
     auto write = [&](int machine, int start, int count, const QByteArray &data) {
+        if (!addressable(start, count))
+            return;
         m_lastMachine = machine;
         writeModbus(modbus::modbus_write(machine, start, count, data), modbus::writeReplyLength());
     };

@@ -142,6 +142,40 @@ private slots:
         QCOMPARE(s.image.sprdTD.text(1, patternNameRow(300)), QStringLiteral("程式300"));
         QCOMPARE(s.image.sprdTD.text(1, patternNameRow(291)), QStringLiteral("程式291"));
     }
+
+    // Register numbers are 16 bits: on Modbus RTU patterns past 191 have
+    // none. The fetch ends before them and a write to one is dropped; the
+    // line goes on polling.
+    void patternsWithoutRegistersOnModbus()
+    {
+        QVERIFY(m_line.bringUp(QStringLiteral("Modbus RTU"), QStringLiteral("1:2.09"), {true}, {QStringLiteral("programs 1 300 1")},
+                               {QStringLiteral("--no-pace")}));
+        ConsoleState &s = m_line.core->state();
+        ControllerImage &img = s.image;
+        QTRY_VERIFY_WITH_TIMEOUT(idle(s), 5000);
+        img.PatternLoaded.fill(true);
+        img.PatternNameLoaded.fill(true);
+        for (int p = 190; p <= 193; ++p)
+            img.PatternLoaded[size_t(p - 1)] = false;
+        const QString bad = s.sprdCommState.text(2, 1);
+        {
+            frmQM730_PTN_Recv fetch(m_line.core->context());
+            QTimer::singleShot(10000, &fetch, &QDialog::reject); // a hang fails below, not the run
+            QCOMPARE(fetch.exec(), int(QDialog::Accepted));
+        }
+        QVERIFY(img.PatternLoaded[189] && img.PatternLoaded[190]);
+        QVERIFY(!img.PatternLoaded[191] && !img.PatternLoaded[192]);
+        QCOMPARE(img.sprdPD.text(Pd::SegmentCount, 191), QStringLiteral("1"));
+
+        QCOMPARE(m_line.sim->command(QStringLiteral("log clear")), QStringLiteral("ok"));
+        s.requests().writePatternWord(250, Pd::RepeatAll, 9);
+        const int polls = int(s.sprdCommState.number(1, 1));
+        QTRY_VERIFY_WITH_TIMEOUT(s.sprdCommState.number(1, 1) > polls + 2, 5000);
+        for (const QByteArray &f : m_line.sim->frames())
+            QCOMPARE(int(quint8(f[1])), 3); // reads only
+        QCOMPARE(m_line.sim->command(QStringLiteral("get 1 pd 250 5")), QStringLiteral("1"));
+        QCOMPARE(s.sprdCommState.text(2, 1), bad);
+    }
 };
 
 QTEST_MAIN(ProgramEditTest)
