@@ -8,6 +8,7 @@
 #include "frmQM730_Set_DSave.h"
 #include "frmQM730_Set_EMail.h"
 #include "frmQM730_Set_Port.h"
+#include "frmQM730Online_DateTime.h"
 #include "frmQM730_SysPass_Chk.h"
 #include "frmQM730_SysPass_Reg.h"
 #include "frmSelectFolder.h"
@@ -50,7 +51,7 @@ ScreenRegistry ScreenRegistry::console()
         // Online functions.
         {"frmQM730_P_Recv", Nothing, {}},
         {"frmQM730_P_Send", Nothing, {}},
-        {"frmQM730Online_DateTime", refresh, {}},
+        {"frmQM730Online_DateTime", refresh, make<frmQM730Online_DateTime>()},
         {"frmQM730Online_Screen", Nothing, {}},
         {"frmQM730_RunSimple", refresh | ReadParameters, make<frmQM730_RunSimple>()},
         {"frmQM730_RunMulti", Nothing, {}},
