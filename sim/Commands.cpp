@@ -2,6 +2,7 @@
 #include "Line.h"
 #include "SimClock.h"
 
+#include <QFile>
 #include <QLocalSocket>
 #include <QRegularExpression>
 #include <QStringDecoder>
@@ -64,6 +65,17 @@ std::optional<QString> Commands::execute(const QString &line)
         return get(t);
     if (cmd == QLatin1String("programs"))
         return programs(t);
+    if (cmd == QLatin1String("screen")) {
+        // The display as the controller draws it now, as a picture file.
+        const auto m = number(t.value(1));
+        const Controller *c = m ? m_line.controller(*m) : nullptr;
+        if (t.size() < 3 || !c)
+            return error(QStringLiteral("usage: screen <machine> <file>"));
+        QFile f(tail(line, 2));
+        if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate) || f.write(c->screenPicture()) < 0 || !f.flush())
+            return error(QStringLiteral("cannot write %1").arg(f.fileName()));
+        return QStringLiteral("ok");
+    }
     if (cmd == QLatin1String("stats")) {
         if (t.size() == 1)
             return m_line.stats();

@@ -517,6 +517,11 @@ bool Controller::setUp(int row, quint16 value)
         return false;
     if (row >= 12 && row <= 17) {
         editClock(row, value);
+    } else if (row >= 18 && row <= 23) {
+        // The reserved start takes effect with the write of its enable row,
+        // which comes last: a time half written is not acted on.
+        m_up[row - 1] = value;
+        m_reserveEditing = row != 23;
     } else {
         m_up[row - 1] = value;
         if (row == m_rows.resolution)

@@ -93,6 +93,9 @@ public:
 
     // The display as 320 x 240 bytes of 3-3-2 colour, bottom line first.
     QByteArray screen() const;
+    // The same display as a 24-bit picture (binary PPM, top line first), each
+    // byte in the colour the controller's palette gives it.
+    QByteArray screenPicture() const;
 
 private:
     struct Program {
@@ -171,4 +174,5 @@ private:
     QDateTime m_clockBase;
     double m_clockSeconds = 0;
     std::array<std::optional<quint16>, 6> m_clockEdit;  // clock rows written but not yet a valid date
+    bool m_reserveEditing = false;  // reserved-start rows written, their enable row not yet
 };

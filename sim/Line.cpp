@@ -15,7 +15,7 @@ const std::pair<const char *, Fault> FaultNames[] = {
     {"silent", Fault::Silent},   {"split", Fault::Split},         {"noise", Fault::Noise},
     {"badsum", Fault::BadSum},   {"badetx", Fault::BadEtx},       {"exception", Fault::Exception},
     {"delay", Fault::Delay},     {"wrongmachine", Fault::WrongMachine}, {"short", Fault::Short},
-    {"noqm", Fault::NoQm},       {"badetxgood", Fault::BadEtxThenGood},
+    {"noqm", Fault::NoQm},       {"badetxgood", Fault::BadEtxThenGood}, {"cut", Fault::Cut},
 };
 
 } // namespace
@@ -252,6 +252,8 @@ void Line::answer(int machine, const QByteArray &reply)
     QByteArray bytes = reply;
     if (f.has(Fault::Short))
         bytes.chop(1);
+    if (f.has(Fault::Cut))
+        bytes.truncate(bytes.size() / 2);
     if (f.has(Fault::Noise))
         bytes.prepend(NoiseBytes);
 

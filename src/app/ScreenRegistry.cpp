@@ -10,6 +10,8 @@
 #include "frmQM730_Set_DSave.h"
 #include "frmQM730_Set_EMail.h"
 #include "frmQM730_Set_Port.h"
+#include "frmQM730Online_DateTime.h"
+#include "frmQM730Online_Screen.h"
 #include "frmQM730_SysPass_Chk.h"
 #include "frmQM730_SysPass_Reg.h"
 #include "frmSelectFolder.h"
@@ -52,8 +54,8 @@ ScreenRegistry ScreenRegistry::console()
         // Online functions.
         {"frmQM730_P_Recv", Nothing, {}},
         {"frmQM730_P_Send", Nothing, {}},
-        {"frmQM730Online_DateTime", refresh, {}},
-        {"frmQM730Online_Screen", Nothing, {}},
+        {"frmQM730Online_DateTime", refresh, make<frmQM730Online_DateTime>()},
+        {"frmQM730Online_Screen", Nothing, make<frmQM730Online_Screen>()},
         {"frmQM730_RunSimple", refresh | ReadParameters, make<frmQM730_RunSimple>()},
         {"frmQM730_RunMulti", Nothing, {}},
         {"frmQM730_DataInput", Nothing, {}},

@@ -387,6 +387,8 @@ void CommLink::tmrRecvErr_Timer()
         tmrRecvErr.stop();
         ConsoleState &s = m_st;
         s.countComm(s.PollSlot, 3);
+        if (s.CmdState == Cmd::ReadScreen)
+            emit screenCaptureFailed(CaptureFault::NoReply);
         s.RetryCount += 1;
         if (s.RetryCount > 2) {
             s.RetryCount = 0;

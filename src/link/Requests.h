@@ -92,6 +92,16 @@ struct BulkProgress {
 };
 Q_DECLARE_METATYPE(BulkProgress)
 
+// Why a screen capture gave no picture. After a bad frame or a missing reply
+// the link asks again by itself; a picture that cannot be written ends the
+// capture.
+enum class CaptureFault {
+    BadFrame,      // the reply failed its check (end bytes or sum), or was noise
+    NoReply,       // the reply did not come, or stopped coming
+    FileNotWritten // the picture came but its file could not be written
+};
+Q_DECLARE_METATYPE(CaptureFault)
+
 // The requests of the screens: one call per kind. Each fills the mailbox of
 // the scheduler (ReqCmd, ReqIndex, ReqData) and the variables its chain
 // reads (CmdIndexEnd, WriteBlock, PatternNo ...) together, with the wire

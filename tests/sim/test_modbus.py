@@ -62,6 +62,14 @@ class Registers(SimCase):
         self.assertEqual(status[8], 17)
         self.assertEqual(status[1], temp_word(25.0))  # no noise: the stopped chamber stands at 25.00
 
+    def test_clock_and_reserved_start_as_one_block_each(self):
+        self.write(40112, [2030, 12, 31, 23, 59, 58])
+        self.assertEqual(self.read(40112, 6), [2030, 12, 31, 23, 59, 58])
+        self.write(40118, [2031, 1, 1, 0, 5, 1])
+        self.assertEqual(self.sim.word("1 rrp 14"), 1)  # a reserved start waits
+        self.write(40123, [0])
+        self.assertEqual(self.sim.word("1 rrp 14"), 0)
+
     def test_parameter_block_in_the_consoles_pieces(self):
         block = []
         for start in (40101, 40221, 40341, 40461):

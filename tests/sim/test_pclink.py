@@ -114,6 +114,26 @@ class Replies(SimCase):
         finally:
             self.sim.ok("set 1 pv auto")
 
+    def test_screen_file_is_the_captured_picture_in_colour(self):
+        pixels = self.answer(request(1, "RCS"), 76814, b"\x02001RCS,OK,")
+        path = os.path.join(self.sim.dir, "screen.ppm")
+        self.sim.ok(f"screen 1 {path}")
+        with open(path, "rb") as f:
+            self.assertEqual(f.readline() + f.readline() + f.readline(), b"P6\n320 240\n255\n")
+            rgb = f.read()
+        self.assertEqual(len(rgb), 320 * 240 * 3)
+        palette = lambda b: bytes([(b & 0xE0) + 31, (b & 0x1C) * 8 + 31, (b & 0x03) * 64 + 63])
+        for y in range(240):
+            line = pixels[(239 - y) * 320 : (240 - y) * 320]  # the reply is bottom line first
+            self.assertEqual(rgb[y * 960 : (y + 1) * 960], b"".join(palette(b) for b in line), f"line {y}")
+
+    def test_clock_rows_written_one_by_one_set_the_clock(self):
+        for row, value in zip(range(12, 18), (2031, 2, 28, 23, 59, 30)):
+            self.assertEqual(self.ask(request(1, "WUP", row, data=value.to_bytes(2, "big")), 18),
+                             b"\x02001WUP,OK," + b"%04d" % row + b"\x03\r\n")
+        self.assertEqual(self.answer(request(1, "RUP", 0), 1043, b"\x02001RUP,OK,0000,")[22:34],
+                         b"".join(v.to_bytes(2, "big") for v in (2031, 2, 28, 23, 59, 30)))
+
     def test_other_machine_numbers_get_no_answer(self):
         other = lambda: int(self.sim.command("stats").split("other:")[1].split()[0])
         before = other()

@@ -1,5 +1,7 @@
 #pragma once
-// A simulated line and a console on it, for the integration tests.
+// A simulated line and a console on it, for the integration tests: the
+// simulator in a folder of its own and a ConsoleCore over a fresh program
+// folder whose COM1 is the simulator's line, its port opened.
 #include "ConsoleCore.h"
 #include "SimProcess.h"
 #include "TestHome.h"
@@ -13,11 +15,12 @@ struct SimConsole {
 
     // The simulator with the given machines (and further options), its
     // control script run; a console whose COM1 is its line, with machines
-    // 1..n used as `used` says, port open.
+    // 1..n in the machine list as `used` says (none written when empty).
+    // False when either does not come up.
     bool bringUp(const QString &protocol, const QString &machines, const QList<bool> &used,
                  const QStringList &script = {}, const QStringList &options = {})
     {
-        core.reset();
+        reset();
         sim = std::make_unique<SimProcess>(dir.path());
         if (!sim->start(QStringList{QStringLiteral("--machines"), machines, QStringLiteral("--protocol"), protocol} + options))
             return false;
@@ -26,11 +29,15 @@ struct SimConsole {
                 return false;
         home = std::make_unique<TestHome>();
         home->writePortCfg(protocol);
-        home->mapPorts({"COM1=" + sim->linkPath()});
-        home->machines(used);
+        home->mapPorts({QStringLiteral("COM1=") + sim->linkPath()});
+        if (!used.isEmpty())
+            home->machines(used);
         core = std::make_unique<ConsoleCore>(home->path());
-        return core->start() == ConsoleCore::StartResult::Ok && core->togglePort() == ConsoleCore::PortAction::Opened;
+        return core->start() == ConsoleCore::StartResult::Ok
+               && core->togglePort() == ConsoleCore::PortAction::Opened;
     }
+
+    // The console first, so that it closes its port before the line goes.
     void reset()
     {
         core.reset();
