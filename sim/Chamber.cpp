@@ -88,11 +88,15 @@ void Controller::step(double h)
         m_stepShown = false;
         m_rrp[1] = 0;
     }
-    if (!m_running && word(23) != 0) {
+    // The reserved start: at its time the controller starts by itself, link or
+    // no link. A time that passes while a run goes on is dropped, so that the
+    // end of that run does not start another one at once.
+    if (word(23) != 0 && !m_reserveEditing) {
         const auto at = reservedStart();
         if (at && clock() >= *at) {
             m_up[22] = 0;
-            startRun();
+            if (!m_running)
+                startRun();
         }
     }
     if (m_running) {
@@ -393,7 +397,7 @@ void Controller::refresh()
     for (int i = 0; i < 6; ++i)
         m_up[11 + i] = m_clockEdit[i] ? *m_clockEdit[i] : static_cast<quint16>(parts[i]);
     const auto reserved = reservedStart();
-    m_rrp[13] = !m_running && word(23) != 0 && reserved && *reserved > now ? 1 : 0;
+    m_rrp[13] = !m_running && word(23) != 0 && !m_reserveEditing && reserved && *reserved > now ? 1 : 0;
 
     m_rcv[0] = encodeTemp(m_tSv);
     m_rcv[1] = tBurn ? BurnOut : encodeTemp(m_tPv + m_tNoise);

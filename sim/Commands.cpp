@@ -2,6 +2,7 @@
 #include "Line.h"
 #include "SimClock.h"
 
+#include <QFile>
 #include <QLocalSocket>
 #include <QRegularExpression>
 #include <QStringDecoder>
@@ -62,6 +63,19 @@ std::optional<QString> Commands::execute(const QString &line)
         return set(t, line);
     if (cmd == QLatin1String("get"))
         return get(t);
+    if (cmd == QLatin1String("programs"))
+        return programs(t);
+    if (cmd == QLatin1String("screen")) {
+        // The display as the controller draws it now, as a picture file.
+        const auto m = number(t.value(1));
+        const Controller *c = m ? m_line.controller(*m) : nullptr;
+        if (t.size() < 3 || !c)
+            return error(QStringLiteral("usage: screen <machine> <file>"));
+        QFile f(tail(line, 2));
+        if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate) || f.write(c->screenPicture()) < 0 || !f.flush())
+            return error(QStringLiteral("cannot write %1").arg(f.fileName()));
+        return QStringLiteral("ok");
+    }
     if (cmd == QLatin1String("stats")) {
         if (t.size() == 1)
             return m_line.stats();
@@ -166,6 +180,28 @@ QString Commands::fault(const QStringList &t)
     }
     for (const int m : machines)
         m_line.setFault(m, *f, state == QLatin1String("on"), ms);
+    return QStringLiteral("ok");
+}
+
+// programs <machine|all> <patterns> <segments>: a generated program memory.
+QString Commands::programs(const QStringList &t)
+{
+    const auto patterns = number(t.value(2));
+    const auto segments = number(t.value(3));
+    if (t.size() != 4 || !patterns || !segments || *patterns < 0 || *segments < 0 || *segments > Controller::Segments)
+        return error(QStringLiteral("usage: programs <machine|all> <patterns> <segments 0..100>"));
+    QList<Controller *> targets;
+    if (t[1] == QLatin1String("all")) {
+        targets = m_line.controllers();
+    } else {
+        const auto m = number(t[1]);
+        Controller *c = m ? m_line.controller(*m) : nullptr;
+        if (!c)
+            return error(QStringLiteral("no machine %1 on the line").arg(t[1]));
+        targets << c;
+    }
+    for (Controller *c : targets)
+        c->fillPrograms(*patterns, *segments);
     return QStringLiteral("ok");
 }
 

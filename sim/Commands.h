@@ -31,6 +31,7 @@ private:
     QString fault(const QStringList &t);
     QString set(const QStringList &t, const QString &line);
     QString get(const QStringList &t);
+    QString programs(const QStringList &t);
 
     Line &m_line;
     SimClock &m_clock;

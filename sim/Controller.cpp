@@ -319,12 +319,17 @@ void Controller::loadFactory(const ControllerSetup &setup)
         m_text[p + 10] = big5(QString::fromUtf8("程式組%1").arg(p));
 }
 
-void Controller::loadExamplePrograms()
+void Controller::setPatternName(int pattern, const QString &name)
+{
+    if (pattern >= 1 && pattern <= patternCount())
+        m_text[pattern + 10] = big5(name);
+}
+
+// Every pattern empty: no segments, one run, the start at ambient values, the
+// segment slots at ambient values too.
+void Controller::clearPrograms()
 {
     using namespace units;
-    const bool tenths = m_fw.tenthValues();
-    const auto alarmSv = [&](double v) { return tenths ? encodeOffset(v, 10, 3000) : encodeOffset(v, 100, 30000); };
-
     for (int p = 0; p < patternCount(); ++p) {
         auto &pd = m_patterns[p];
         pd.fill(0);
@@ -340,6 +345,35 @@ void Controller::loadExamplePrograms()
             sd[s * SegmentWords + 1] = encodeHumi(AmbientHumi);
         }
     }
+}
+
+void Controller::fillPrograms(int patterns, int segments)
+{
+    using namespace units;
+    clearPrograms();
+    patterns = std::clamp(patterns, 0, patternCount());
+    segments = std::clamp(segments, 0, static_cast<int>(Segments));
+    for (int p = 1; p <= patternCount(); ++p)
+        setPatternName(p, p <= patterns ? QStringLiteral("程式%1").arg(p) : QString());
+    for (int p = 1; p <= patterns; ++p) {
+        m_patterns[p - 1][0] = static_cast<quint16>(segments);
+        for (int s = 0; s < segments; ++s) {
+            quint16 *w = m_segments[p - 1].data() + s * SegmentWords;
+            // A saw tooth between -20 and 80 degrees, humidity rising with each step.
+            w[0] = encodeTemp(-20.0 + 10.0 * ((p + s) % 11));
+            w[1] = encodeHumi(std::min(95.0, 30.0 + 5.0 * s));
+            w[3] = static_cast<quint16>(((s % 3) << 8) | (10 * (s % 6)));
+        }
+    }
+}
+
+void Controller::loadExamplePrograms()
+{
+    using namespace units;
+    const bool tenths = m_fw.tenthValues();
+    const auto alarmSv = [&](double v) { return tenths ? encodeOffset(v, 10, 3000) : encodeOffset(v, 100, 30000); };
+
+    clearPrograms();
 
     struct Seg {
         double temp, humi;
@@ -388,6 +422,28 @@ void Controller::loadExamplePrograms()
     // Pattern 3: two one-minute segments, handy for quick runs.
     if (patternCount() >= 3)
         load(3, {{30.0, 50.0, 0, 0, 1, {{{1, 0, 0}}}}, {35.0, 55.0, 0, 0, 1, {}}});
+
+    // Pattern 4: cold storage, temperature only, alarm 2 watching a low humidity band.
+    if (patternCount() >= 4) {
+        load(4, {{-20.0, 0.0, 0, 1, 0, {}}, {-20.0, 0.0, 0, 12, 0, {}}, {25.0, 0.0, 0, 1, 0, {}}});
+        m_patterns[3][72] = static_cast<quint16>((1 << 8) | AlarmAbsLow);
+        m_patterns[3][73] = alarmSv(10.0);
+        m_patterns[3][74] = 20;
+    }
+
+    // Pattern 5: humidity steps at 40 degrees, linked on to pattern 3.
+    if (patternCount() >= 5) {
+        load(5, {{40.0, 50.0, 0, 0, 20, {}}, {40.0, 50.0, 0, 1, 0, {}}, {40.0, 70.0, 0, 0, 20, {}},
+                 {40.0, 70.0, 0, 1, 0, {}}, {40.0, 90.0, 0, 0, 20, {}}, {40.0, 90.0, 0, 1, 0, {}}});
+        m_patterns[4][5] = 3;
+        m_patterns[4][12] = 1;
+        m_patterns[4][13] = 2;
+        m_patterns[4][14] = 1;
+    }
+
+    const char *names[] = {"高溫高濕測試", "冷熱循環", "快速測試", "低溫儲存", "濕度步進"};
+    for (int p = 1; p <= 5 && p <= patternCount(); ++p)
+        setPatternName(p, QString::fromUtf8(names[p - 1]));
 }
 
 // ---------------------------------------------------------------- blocks
@@ -481,6 +537,11 @@ bool Controller::setUp(int row, quint16 value)
         return false;
     if (row >= 12 && row <= 17) {
         editClock(row, value);
+    } else if (row >= 18 && row <= 23) {
+        // The reserved start takes effect with the write of its enable row,
+        // which comes last: a time half written is not acted on.
+        m_up[row - 1] = value;
+        m_reserveEditing = row != 23;
     } else {
         m_up[row - 1] = value;
         if (row == m_rows.resolution)

@@ -79,6 +79,11 @@ public:
     bool canWriteRegister(int reg) const;
     void writeRegister(int reg, quint16 word);
 
+    // Replaces the program memory by a generated one: patterns 1 to `patterns`
+    // named "程式N" with `segments` segments each, every other pattern empty
+    // (no segments, a one-run pattern starting from 25 degrees).
+    void fillPrograms(int patterns, int segments);
+
     // Holds a live-status row at a fixed word until released with no value.
     // Rows 2 and 5 also drive the chamber (65535 is a sensor burn-out).
     void pinRcv(int row, std::optional<quint16> word);
@@ -88,6 +93,9 @@ public:
 
     // The display as 320 x 240 bytes of 3-3-2 colour, bottom line first.
     QByteArray screen() const;
+    // The same display as a 24-bit picture (binary PPM, top line first), each
+    // byte in the colour the controller's palette gives it.
+    QByteArray screenPicture() const;
 
 private:
     struct Program {
@@ -115,6 +123,8 @@ private:
 
     void loadFactory(const ControllerSetup &setup);
     void loadExamplePrograms();
+    void clearPrograms();
+    void setPatternName(int pattern, const QString &name);
     void put(int currentRow, int legacyRow, quint16 value);
     quint16 word(int row) const;  // parameter row, 0 when the block lacks it
 
@@ -169,4 +179,5 @@ private:
     QDateTime m_clockBase;
     double m_clockSeconds = 0;
     std::array<std::optional<quint16>, 6> m_clockEdit;  // clock rows written but not yet a valid date
+    bool m_reserveEditing = false;  // reserved-start rows written, their enable row not yet
 };

@@ -28,6 +28,7 @@ const FaultName FaultNames[] = {
     {"wrongmachine", Fault::WrongMachine, "the reply under the next machine number"},
     {"short", Fault::Short, "the last byte of the reply missing"},
     {"noqm", Fault::NoQm, "a WHO reply without \"QM\""},
+    {"cut", Fault::Cut, "only the first half of the reply, the rest never comes"},
 };
 
 } // namespace
@@ -272,6 +273,8 @@ void Line::answer(int machine, const QByteArray &reply)
     QByteArray bytes = reply;
     if (f.has(Fault::Short))
         bytes.chop(1);
+    if (f.has(Fault::Cut))
+        bytes.truncate(bytes.size() / 2);
     if (f.has(Fault::Noise))
         bytes.prepend(NoiseBytes);
 

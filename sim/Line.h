@@ -20,7 +20,9 @@ enum class Protocol { PcLink = 0, PcLinkSum = 1, ModbusRtu = 2 };
 QString protocolName(Protocol protocol);
 std::optional<Protocol> parseProtocol(const QString &name);
 
-enum class Fault { Silent, Split, Noise, BadSum, BadEtx, BadEtxThenGood, Exception, Delay, WrongMachine, Short, NoQm };
+// Cut: only the first half of each reply goes out, as when the line is lost
+// in the middle of a reply.
+enum class Fault { Silent, Split, Noise, BadSum, BadEtx, BadEtxThenGood, Exception, Delay, WrongMachine, Short, NoQm, Cut };
 std::optional<Fault> parseFault(const QString &name);
 // Every fault by its name, each with what it does to a reply.
 QList<std::pair<QString, QString>> faultHelp();

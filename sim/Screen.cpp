@@ -126,6 +126,13 @@ QByteArray Controller::screen() const
     c.fill(3, 3, ScreenWidth - 6, 22, Grey);
     c.text(10, 7, QStringLiteral("QM730 NO.%1").arg(m_number, 3, 10, QLatin1Char('0')), 2, White);
     c.text(250, 7, running ? QStringLiteral("RUN") : QStringLiteral("STOP"), 2, running ? Green : Red);
+    // A reserved start waiting: its day and time beside the machine.
+    if (m_rrp[13]) {
+        if (const auto at = reservedStart()) {
+            c.text(168, 6, QStringLiteral("RSV ") + at->toString(QStringLiteral("MM-dd")), 1, Yellow);
+            c.text(192, 15, at->toString(QStringLiteral("HH:mm")), 1, Yellow);
+        }
+    }
 
     // Temperature PV in large digits, humidity PV below it.
     c.text(12, 34, QStringLiteral("TEMP PV"), 1, Yellow);
@@ -155,6 +162,23 @@ QByteArray Controller::screen() const
                                                                     .arg(m_rcv[20], 3, 10, QLatin1Char('0'))
                                                                     .arg(m_rcv[21], 2, 10, QLatin1Char('0'));
     c.text(12, 216, mode, 2, White);
-    c.text(250, 220, clock().toString(QStringLiteral("HH:mm")), 1, White);
+    c.text(199, 220, clock().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")), 1, White);
     return c.bottomUp();
+}
+
+QByteArray Controller::screenPicture() const
+{
+    const QByteArray pixels = screen();
+    QByteArray out = QStringLiteral("P6\n%1 %2\n255\n").arg(ScreenWidth).arg(ScreenHeight).toLatin1();
+    out.reserve(out.size() + 3 * pixels.size());
+    // The bytes come bottom line first; the picture goes top line first.
+    for (int y = ScreenHeight - 1; y >= 0; --y) {
+        for (int x = 0; x < ScreenWidth; ++x) {
+            const int b = static_cast<quint8>(pixels[y * ScreenWidth + x]);
+            out.append(static_cast<char>((b & 0xE0) + 31));       // red: bits 7-5
+            out.append(static_cast<char>((b & 0x1C) * 8 + 31));   // green: bits 4-2
+            out.append(static_cast<char>((b & 0x03) * 64 + 63));  // blue: bits 1-0
+        }
+    }
+    return out;
 }

@@ -12,10 +12,14 @@
 #include "frmQM730SYS_InnerNew.h"
 #include "frmQM730_About.h"
 #include "frmQM730_History.h"
+#include "frmQM730Prg_PTN.h"
+#include "frmQM730_PTN_Recv.h"
 #include "frmQM730_RunSimple.h"
 #include "frmQM730_Set_DSave.h"
 #include "frmQM730_Set_EMail.h"
 #include "frmQM730_Set_Port.h"
+#include "frmQM730Online_DateTime.h"
+#include "frmQM730Online_Screen.h"
 #include "frmQM730_SysPass_Chk.h"
 #include "frmQM730_SysPass_Reg.h"
 #include "frmQM730SYS_Control.h"
@@ -62,18 +66,18 @@ ScreenRegistry ScreenRegistry::console()
         // Online functions.
         {"frmQM730_P_Recv", Nothing, {}},
         {"frmQM730_P_Send", Nothing, {}},
-        {"frmQM730Online_DateTime", refresh, {}},
-        {"frmQM730Online_Screen", Nothing, {}},
+        {"frmQM730Online_DateTime", refresh, make<frmQM730Online_DateTime>()},
+        {"frmQM730Online_Screen", Nothing, make<frmQM730Online_Screen>()},
         {"frmQM730_RunSimple", refresh | ReadParameters, make<frmQM730_RunSimple>()},
         {"frmQM730_RunMulti", Nothing, {}},
         {"frmQM730_DataInput", Nothing, {}},
         {"frmQM730_TMon", Nothing, {}},
         // Programs.
-        {"frmQM730Prg_PTN", Nothing, {}},
+        {"frmQM730Prg_PTN", Nothing, make<frmQM730Prg_PTN>()},
         {"frmQM730Prg_SEG", Nothing, {}},
         {"frmQM730Prg_SEG_TS", Nothing, {}},
         {"frmQM730Prg_Managemen", Nothing, {}},
-        {"frmQM730_PTN_Recv", Nothing, {}},
+        {"frmQM730_PTN_Recv", Nothing, make<frmQM730_PTN_Recv>()},
         // Run settings.
         {"frmQM730Func_Run", refresh, make<frmQM730Func_Run>()},
         {"frmQM730Func_GrpSave", refresh, make<frmQM730Func_GrpSave>()},

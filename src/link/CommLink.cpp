@@ -440,7 +440,7 @@ std::optional<BulkTable> bulkTableOf(int state)
     if ((state >= Cmd::RecvUpPieces && state <= Cmd::RecvUpLastPiece)
         || (state >= Cmd::SendUpPieces && state <= Cmd::SendUpLastPiece))
         return BulkTable::Parameters;
-    if (state >= Cmd::RecvTextInputs && state <= Cmd::RecvNamesLast)
+    if (state >= Cmd::RecvTextInputs && state <= Cmd::RecvNamesMax)
         return BulkTable::Texts;
     return std::nullopt;
 }
@@ -452,6 +452,8 @@ void CommLink::tmrRecvErr_Timer()
         tmrRecvErr.stop();
         ConsoleState &s = m_st;
         s.countComm(s.PollSlot, 3);
+        if (s.CmdState == Cmd::ReadScreen)
+            emit screenCaptureFailed(CaptureFault::NoReply);
         s.RetryCount += 1;
         if (s.RetryCount > 2) {
             s.RetryCount = 0;

@@ -103,9 +103,11 @@ signals:
     // Bulk transfers: where the job of bulkJob stands, and its end.
     void bulkProgress(const BulkProgress &progress);
     void bulkFinished(BulkJob job);
-    // Screen capture.
+    // Screen capture: the share of the reply received, the picture written
+    // to DispScr.BMP, or why there is none this time.
     void screenProgress(int percent);
     void screenCaptured();
+    void screenCaptureFailed(CaptureFault fault);
     // The clock rows are written up to lastRow (17: the date and time; else
     // the reserved start), or the controller acknowledged another row.
     void clockRowsWritten(int lastRow);

@@ -48,6 +48,9 @@ public:
     bool SystemLocked = false;   // operator's program lock (mHelpLock)
     int PtnDataOption = 0;       // index of optPTN_Data: 0 from the controller, 1 from file
     bool SingleConsoleOpen = false; // the single-chamber console is open
+    // The operator stopped the program fetch: the editor that asked for it
+    // closes at once without saving the cache; cleared when an editor closes.
+    bool ReceptionStopped = false;
 
     // Machine list.
     bool MultiMode = false;

@@ -115,8 +115,13 @@ void CommLink::Disp_RSD(int pattern, int segment, const QByteArray &f, int offse
 void CommLink::saveScreen(const QByteArray &f)
 {
     const QByteArray pixels = f.mid(11, screenbitmap::PixelBytes);
-    screenbitmap::writeBitmap(m_st.path(QStringLiteral("\\DispScr.BMP")), pixels);
-    emit screenCaptured();
+    const QString path = m_st.path(QStringLiteral("\\DispScr.BMP"));
+    if (screenbitmap::writeBitmap(path, pixels)) {
+        emit screenCaptured();
+        return;
+    }
+    WriteErrorLog(m_st.home, 75, QStringLiteral("cannot write ") + path, QStringLiteral("saveScreen"));
+    emit screenCaptureFailed(CaptureFault::FileNotWritten);
 }
 
 // ---------------------------------------------------------------- shared steps
@@ -506,7 +511,16 @@ void CommLink::dispatchPcLink()
         break;
     }
     case Cmd::ReadScreen:
-        saveScreen(f);
+        // Only the screen's own reply is a picture: a stray frame (a late
+        // reply to an earlier command) is dropped and the wait goes on.
+        if (!is("RCS")) {
+            m_buf.clear();
+            break;
+        }
+        // A stop posted while the picture came in drops it: the picture of
+        // the last capture and its file stay as they were.
+        if (s.ReqCmd != Cmd::Poll)
+            saveScreen(f);
         moveToNextOnlineSlot();
         s.CmdState = Cmd::Poll;
         break;

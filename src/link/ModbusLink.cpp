@@ -21,10 +21,26 @@ void CommLink::sendModbusState(int P, int F)
     ControllerImage &img = s.image;
     const int st = s.CmdState;
     s.RxSettleMs = 50;
+    // Register numbers are 16 bits on the wire: with 300 patterns, those past
+    // pattern 191 have no registers. A fetch ends there; any other request
+    // for them is dropped rather than sent to a wrapped-around register.
+    auto addressable = [&](int start, int count) {
+        if (start + count - 1 <= 0xFFFF)
+            return true;
+        if (st == Cmd::RecvPattern)
+            bulkEndReceive();
+        else
+            s.CmdState = Cmd::Poll;
+        return false;
+    };
     auto read = [&](int machine, int start, int count) {
+        if (!addressable(start, count))
+            return;
         writeModbus(modbus::modbus_read(machine, start, count), modbus::readReplyLength(count));
     };
     auto write = [&](int machine, int start, int count, const QByteArray &data) {
+        if (!addressable(start, count))
+            return;
         writeModbus(modbus::modbus_write(machine, start, count, data), modbus::writeReplyLength());
     };
     auto segment = [&](int p, int seg) {
@@ -40,7 +56,7 @@ void CommLink::sendModbusState(int P, int F)
         read(F, 40101 + 120 * (st - Cmd::RecvUpPieces), 120);
     } else if (st >= Cmd::ReadNames && st <= Cmd::ReadNamesLast) {
         read(F, 44001 + 120 * (st - Cmd::ReadNames), 120);
-    } else if (st >= Cmd::RecvNames && st <= Cmd::RecvNamesLast) {
+    } else if (st >= Cmd::RecvNames && st <= Cmd::RecvNamesMax) {
         read(F, 44001 + 120 * (st - Cmd::RecvNames), 120);
     } else if (st >= Cmd::SendUpPieces && st <= Cmd::SendUpLastPiece) {
         // Five pieces of 120 registers; rows past the end of the table go as 0.
@@ -170,7 +186,10 @@ void CommLink::dispatchModbus()
             textReadDone();
         return;
     }
-    if (st >= Cmd::RecvTextInputs && st <= Cmd::RecvNamesLast) {
+    if (st >= Cmd::RecvTextInputs && st <= Cmd::RecvNamesMax) {
+        // Ten names a read until every pattern of the firmware has its name:
+        // 5201 to 5210 for 100 patterns, to 5230 for 300.
+        const int lastNames = Cmd::RecvNames + (s.PatternCount() + 9) / 10 - 1;
         if (st == Cmd::RecvTextInputs) {
             storeText(1, 8, 30, false);
             s.CmdIndex += 8;
@@ -182,12 +201,22 @@ void CommLink::dispatchModbus()
             s.CmdIndex += 10;
         }
         textProgress(std::min(s.CmdIndex - 1, s.PatternCount() + 11));
-        if (st < Cmd::RecvNamesLast) {
+        if (st < lastNames) {
             s.CmdState = st + 1;
-        } else {
-            textsDone();
+            return;
+        }
+        textsDone();
+        if (s.bulkJob != BulkJob::ProgramFetch) {
             s.PatternNo = 1;
             s.CmdState = Cmd::RecvPattern;
+            return;
+        }
+        // The fetch of the editors reads only the patterns not loaded yet.
+        if (const int p = NextUnloadedRow(img, QStringLiteral("RPD"), 1); p > 0) {
+            s.PatternNo = p;
+            s.CmdState = Cmd::RecvPattern;
+        } else {
+            bulkEndReceive();
         }
         return;
     }

@@ -134,11 +134,15 @@ void CommLink::receivePcLink(const QByteArray &bytes)
     case ScanGoodAfterThrown:
         s.countComm(s.PollSlot, 4);
         m_buf.clear();
+        if (s.CmdState == Cmd::ReadScreen)
+            emit screenCaptureFailed(CaptureFault::BadFrame);
         tmrSend.start();
         break;
     default:
         s.countComm(s.PollSlot, 2);
         m_buf.clear();
+        if (s.CmdState == Cmd::ReadScreen)
+            emit screenCaptureFailed(CaptureFault::BadFrame);
         tmrSend.start();
         break;
     }

@@ -67,8 +67,8 @@ enum State : int {
     RecvUpLastPiece = 5105,
     RecvTextInputs = 5199,     // Modbus RTU bulk receive of the texts: rows 1 to 8,
     RecvTextInfo = 5200,       // rows 9 to 11,
-    RecvNames = 5201,          // then ten names a read: 5201 to 5210
-    RecvNamesLast = 5210,
+    RecvNames = 5201,          // then ten names a read: 5201 to 5210 for 100 patterns,
+    RecvNamesMax = 5230,       // on to 5230 for 300
     SendUpPieces = 1511,       // Modbus RTU bulk send of the block: 1511 to 1515
     SendUpLastPiece = 1515,
     ReadNames = 9001,          // Modbus RTU: ten names a read, 9001 to 9010
@@ -91,6 +91,16 @@ struct BulkProgress {
     bool failed = false;   // the machine stopped answering; the chain keeps trying
 };
 Q_DECLARE_METATYPE(BulkProgress)
+
+// Why a screen capture gave no picture. After a bad frame or a missing reply
+// the link asks again by itself; a picture that cannot be written ends the
+// capture.
+enum class CaptureFault {
+    BadFrame,      // the reply failed its check (end bytes or sum), or was noise
+    NoReply,       // the reply did not come, or stopped coming
+    FileNotWritten // the picture came but its file could not be written
+};
+Q_DECLARE_METATYPE(CaptureFault)
 
 // The requests of the screens: one call per kind. Each fills the mailbox of
 // the scheduler (ReqCmd, ReqIndex, ReqData) and the variables its chain

@@ -1,5 +1,5 @@
 #include "ScreenBitmap.h"
-#include <QFile>
+#include "Files.h"
 
 namespace screenbitmap {
 
@@ -43,12 +43,9 @@ QByteArray toBitmap(const QByteArray &pixels)
 
 bool writeBitmap(const QString &path, const QByteArray &pixels)
 {
-    QFile::remove(path);
-    QFile f(path);
-    if (!f.open(QIODevice::WriteOnly))
-        return false;
-    const QByteArray b = toBitmap(pixels);
-    return f.write(b) == b.size();
+    // Through a temporary file and a rename: the old file goes only when the
+    // new one is whole, so a failed write leaves the last picture.
+    return writeFileAtomic(path, toBitmap(pixels));
 }
 
 } // namespace screenbitmap

@@ -11,6 +11,7 @@ constexpr int PixelBytes = Width * Height;
 
 // A 24-bit Windows bitmap of the pixels (230454 bytes).
 QByteArray toBitmap(const QByteArray &pixels);
-// Deletes an old file of the name, then writes the bitmap.
+// Writes the bitmap in place of an old file of the name; false when it
+// cannot be written (the old file then stays).
 bool writeBitmap(const QString &path, const QByteArray &pixels);
 } // namespace screenbitmap

@@ -16,6 +16,7 @@ namespace {
 // page, the program fetch before an editor): answered by closing them.
 const QMap<QString, QStringList> kOpensByDesign = {
     {"frmQM730_SysPass_Reg", {"frmQM730_SysPass_Chk"}},
+    {"frmQM730Prg_PTN", {"frmQM730_PTN_Recv"}},
 };
 
 } // namespace

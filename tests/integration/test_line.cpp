@@ -1,9 +1,7 @@
 // The console's core against the simulator over a pseudo-terminal, in each
 // of the three protocols: scan, poll, writes and the faults of a real line.
-#include "ConsoleCore.h"
 #include "LiveStatus.h"
-#include "SimProcess.h"
-#include "TestHome.h"
+#include "SimConsole.h"
 #include <QtTest>
 #include <memory>
 
@@ -21,30 +19,7 @@ bool isModbus(const QString &protocol) { return protocol == QLatin1String("Modbu
 class LineTest : public QObject {
     Q_OBJECT
 
-    QTemporaryDir m_dir;
-    std::unique_ptr<SimProcess> m_sim;
-    std::unique_ptr<TestHome> m_home;
-    std::unique_ptr<ConsoleCore> m_core;
-
-    // The simulator with the given machines and control script, and a console
-    // whose COM1 is its line, with machines 1..n used as `used` says, port open.
-    bool bringUp(const QString &protocol, const QString &machines, const QList<bool> &used, const QStringList &script = {})
-    {
-        m_core.reset();
-        m_sim = std::make_unique<SimProcess>(m_dir.path());
-        if (!m_sim->start({QStringLiteral("--machines"), machines, QStringLiteral("--protocol"), protocol}))
-            return false;
-        for (const QString &line : script)
-            if (m_sim->command(line) != QLatin1String("ok"))
-                return false;
-        m_home = std::make_unique<TestHome>();
-        m_home->writePortCfg(protocol);
-        m_home->mapPorts({"COM1=" + m_sim->linkPath()});
-        m_home->machines(used);
-        m_core = std::make_unique<ConsoleCore>(m_home->path());
-        return m_core->start() == ConsoleCore::StartResult::Ok
-               && m_core->togglePort() == ConsoleCore::PortAction::Opened;
-    }
+    SimConsole m_line;
 
     void protocols()
     {
@@ -55,19 +30,14 @@ class LineTest : public QObject {
     }
 
 private slots:
-    void cleanup()
-    {
-        m_core.reset();
-        m_home.reset();
-        m_sim.reset();
-    }
+    void cleanup() { m_line.reset(); }
 
     void threeChambersOneSilent_data() { protocols(); }
     void threeChambersOneSilent()
     {
         QFETCH(QString, protocol);
-        QVERIFY(bringUp(protocol, QStringLiteral("1:2.09,2,3"), {true, true, true}, {QStringLiteral("fault 3 silent on")}));
-        ConsoleState &s = m_core->state();
+        QVERIFY(m_line.bringUp(protocol, QStringLiteral("1:2.09,2,3"), {true, true, true}, {QStringLiteral("fault 3 silent on")}));
+        ConsoleState &s = m_line.core->state();
         QTRY_VERIFY_WITH_TIMEOUT(s.CmdState != 10, 10000);
         QCOMPARE(s.sprdStatus.text(2, 1), QStringLiteral("良好"));
         QCOMPARE(s.sprdStatus.text(2, 2), QStringLiteral("良好"));
@@ -77,9 +47,9 @@ private slots:
         // The foreground machine's firmware fixes the block sizes.
         QCOMPARE(s.image.sprdUP.rowCount(), 492);
         QCOMPARE(s.PatternCount(), 300);
-        QCOMPARE(counter(*m_core, 2, 3), 3);
+        QCOMPARE(counter(*m_line.core, 2, 3), 3);
         // The scan frames, byte for byte: one for each answering machine, three for the silent one.
-        const QList<QByteArray> frames = m_sim->frames();
+        const QList<QByteArray> frames = m_line.sim->frames();
         QVERIFY(frames.size() >= 5);
         const QByteArray who1 = isModbus(protocol) ? QByteArray::fromHex("010375310002") : QByteArray("\x02" "001WHO\x03\r\n");
         QCOMPARE(frames[0].left(who1.size()), who1);
@@ -89,64 +59,64 @@ private slots:
             QCOMPARE(frames[i][isModbus(protocol) ? 0 : 3], isModbus(protocol) ? '\x03' : '3');
         // The poll fills the present values of both chambers, and the counters count.
         QTRY_VERIFY_WITH_TIMEOUT(!s.image.sprdRCV.isEmpty(1, 2) && !s.image.sprdRCV.isEmpty(2, 2), 5000);
-        QTRY_VERIFY(counter(*m_core, 0, 1) > 3 && counter(*m_core, 1, 1) > 3);
-        QCOMPARE(s.image.sprdRRP.text(1, 15), m_sim->command(QStringLiteral("get 1 rrp 15")));
-        QCOMPARE(counter(*m_core, 0, 2) + counter(*m_core, 0, 4), 0);
-        QVERIFY(m_core->link().closeLink());
+        QTRY_VERIFY(counter(*m_line.core, 0, 1) > 3 && counter(*m_line.core, 1, 1) > 3);
+        QCOMPARE(s.image.sprdRRP.text(1, 15), m_line.sim->command(QStringLiteral("get 1 rrp 15")));
+        QCOMPARE(counter(*m_line.core, 0, 2) + counter(*m_line.core, 0, 4), 0);
+        QVERIFY(m_line.core->link().closeLink());
     }
 
     void faultsOnTheLine_data() { protocols(); }
     void faultsOnTheLine()
     {
         QFETCH(QString, protocol);
-        QVERIFY(bringUp(protocol, QStringLiteral("1"), {true}));
-        ConsoleState &s = m_core->state();
+        QVERIFY(m_line.bringUp(protocol, QStringLiteral("1"), {true}));
+        ConsoleState &s = m_line.core->state();
         QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
         auto settle = [&](int polls) {
-            const int start = counter(*m_core, 0, 1);
-            QTRY_VERIFY_WITH_TIMEOUT(counter(*m_core, 0, 1) >= start + polls, 10000);
+            const int start = counter(*m_line.core, 0, 1);
+            QTRY_VERIFY_WITH_TIMEOUT(counter(*m_line.core, 0, 1) >= start + polls, 10000);
         };
         settle(2);
         QCOMPARE(s.statusPanel(4), QStringLiteral("機號 [1] QM730 連接") + (isModbus(protocol) ? "" : "."));
         // A reply split in two with a pause is one frame; noise in front is dropped without a count.
-        QCOMPARE(m_sim->command(QStringLiteral("fault 1 split on 60")), QStringLiteral("ok"));
+        QCOMPARE(m_line.sim->command(QStringLiteral("fault 1 split on 60")), QStringLiteral("ok"));
         settle(4);
-        m_sim->command(QStringLiteral("fault 1 split off"));
+        m_line.sim->command(QStringLiteral("fault 1 split off"));
         if (!isModbus(protocol)) {
-            m_sim->command(QStringLiteral("fault 1 noise on"));
+            m_line.sim->command(QStringLiteral("fault 1 noise on"));
             settle(4);
-            m_sim->command(QStringLiteral("fault 1 noise off"));
+            m_line.sim->command(QStringLiteral("fault 1 noise off"));
         }
-        QCOMPARE(counter(*m_core, 0, 2) + counter(*m_core, 0, 3) + counter(*m_core, 0, 4), 0);
+        QCOMPARE(counter(*m_line.core, 0, 2) + counter(*m_line.core, 0, 3) + counter(*m_line.core, 0, 4), 0);
         // A wrong sum or CRC: column 2 with the sum, column 4 with the CRC; the same frame goes again.
         if (protocol != QLatin1String("PC Link")) {
-            m_sim->command(QStringLiteral("fault 1 badsum on"));
-            QTRY_VERIFY(counter(*m_core, 0, isModbus(protocol) ? 4 : 2) >= 2);
+            m_line.sim->command(QStringLiteral("fault 1 badsum on"));
+            QTRY_VERIFY(counter(*m_line.core, 0, isModbus(protocol) ? 4 : 2) >= 2);
             if (isModbus(protocol))
                 QCOMPARE(s.statusPanel(4), QStringLiteral("機號 [1] : 通訊不良"));
-            m_sim->command(QStringLiteral("fault 1 badsum off"));
+            m_line.sim->command(QStringLiteral("fault 1 badsum off"));
             settle(2);
         }
         if (protocol == QLatin1String("PC Link + crc")) {
             // A bad ETX in front of a good frame: both lost, one count in column 4.
-            const int before = counter(*m_core, 0, 4);
-            m_sim->command(QStringLiteral("fault 1 badetxgood on"));
-            QTRY_VERIFY(counter(*m_core, 0, 4) > before);
-            m_sim->command(QStringLiteral("fault 1 badetxgood off"));
+            const int before = counter(*m_line.core, 0, 4);
+            m_line.sim->command(QStringLiteral("fault 1 badetxgood on"));
+            QTRY_VERIFY(counter(*m_line.core, 0, 4) > before);
+            m_line.sim->command(QStringLiteral("fault 1 badetxgood off"));
             settle(2);
         }
         if (isModbus(protocol)) {
             // An exception is counted in column 2 and asked again; a reply one byte short
             // never raises the receive event, so the time-out resends.
-            m_sim->command(QStringLiteral("fault 1 exception on"));
-            QTRY_VERIFY(counter(*m_core, 0, 2) >= 2);
-            m_sim->command(QStringLiteral("fault 1 exception off"));
-            const int timeouts = counter(*m_core, 0, 3);
-            const int crc = counter(*m_core, 0, 4);
-            m_sim->command(QStringLiteral("fault 1 short on"));
-            QTRY_VERIFY_WITH_TIMEOUT(counter(*m_core, 0, 3) >= timeouts + 1, 5000);
-            m_sim->command(QStringLiteral("fault 1 short off"));
-            QCOMPARE(counter(*m_core, 0, 4), crc);
+            m_line.sim->command(QStringLiteral("fault 1 exception on"));
+            QTRY_VERIFY(counter(*m_line.core, 0, 2) >= 2);
+            m_line.sim->command(QStringLiteral("fault 1 exception off"));
+            const int timeouts = counter(*m_line.core, 0, 3);
+            const int crc = counter(*m_line.core, 0, 4);
+            m_line.sim->command(QStringLiteral("fault 1 short on"));
+            QTRY_VERIFY_WITH_TIMEOUT(counter(*m_line.core, 0, 3) >= timeouts + 1, 5000);
+            m_line.sim->command(QStringLiteral("fault 1 short off"));
+            QCOMPARE(counter(*m_line.core, 0, 4), crc);
         }
         settle(2);
         QCOMPARE(s.sprdStatus.text(2, 1), QStringLiteral("良好"));
@@ -156,17 +126,17 @@ private slots:
     void silentMachineIsGivenUpWhileOthersArePolled()
     {
         QFETCH(QString, protocol);
-        QVERIFY(bringUp(protocol, QStringLiteral("1,2"), {true, true}));
-        ConsoleState &s = m_core->state();
+        QVERIFY(m_line.bringUp(protocol, QStringLiteral("1,2"), {true, true}));
+        ConsoleState &s = m_line.core->state();
         QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
-        m_sim->command(QStringLiteral("fault 2 silent on"));
-        const int polls1 = counter(*m_core, 0, 1);
+        m_line.sim->command(QStringLiteral("fault 2 silent on"));
+        const int polls1 = counter(*m_line.core, 0, 1);
         QTRY_VERIFY_WITH_TIMEOUT(!s.machines[1].MachineOnline, 5000);
-        QVERIFY(counter(*m_core, 1, 3) >= 3);
-        QVERIFY(counter(*m_core, 0, 1) > polls1);
+        QVERIFY(counter(*m_line.core, 1, 3) >= 3);
+        QVERIFY(counter(*m_line.core, 0, 1) > polls1);
         // It stays "良好" in the machine table and comes back when it answers again.
         QCOMPARE(s.sprdStatus.text(2, 2), QStringLiteral("良好"));
-        m_sim->command(QStringLiteral("fault 2 silent off"));
+        m_line.sim->command(QStringLiteral("fault 2 silent off"));
         QTRY_VERIFY_WITH_TIMEOUT(s.machines[1].MachineOnline, 8000);
     }
 
@@ -174,22 +144,22 @@ private slots:
     void writeReachesTheController()
     {
         QFETCH(QString, protocol);
-        QVERIFY(bringUp(protocol, QStringLiteral("4"), {false, false, false, true}));
-        ConsoleState &s = m_core->state();
+        QVERIFY(m_line.bringUp(protocol, QStringLiteral("4"), {false, false, false, true}));
+        ConsoleState &s = m_line.core->state();
         QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
         // Target temperature 25.5: (25.5 + 100) * 100 = 12550 into run parameter 12.
         s.requests().writeRunWord(Rrp::TempTargetSV, 12550);
-        QTRY_COMPARE(m_sim->command(QStringLiteral("get 4 rrp 12")), QStringLiteral("12550"));
+        QTRY_COMPARE(m_line.sim->command(QStringLiteral("get 4 rrp 12")), QStringLiteral("12550"));
         QTRY_COMPARE(s.image.sprdRRP.text(1, 12), QStringLiteral("12550"));
         // A parameter row: the controller takes it, the image reads it back.
         s.requests().writeParameter(Param::txtLPF1, 7);
-        QTRY_COMPARE_WITH_TIMEOUT(m_sim->command(QStringLiteral("get 4 up 25")), QStringLiteral("7"), 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(m_line.sim->command(QStringLiteral("get 4 up 25")), QStringLiteral("7"), 5000);
     }
 
     void answerWithoutQmIsNotAController()
     {
-        QVERIFY(bringUp(QStringLiteral("PC Link"), QStringLiteral("1"), {true}, {QStringLiteral("fault 1 noqm on")}));
-        ConsoleState &s = m_core->state();
+        QVERIFY(m_line.bringUp(QStringLiteral("PC Link"), QStringLiteral("1"), {true}, {QStringLiteral("fault 1 noqm on")}));
+        ConsoleState &s = m_line.core->state();
         QTRY_COMPARE_WITH_TIMEOUT(s.sprdStatus.text(2, 1), QStringLiteral("不良"), 5000);
         QCOMPARE(s.CurrentMachine, 0);
     }

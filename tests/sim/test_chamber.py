@@ -128,6 +128,39 @@ class Chamber(unittest.TestCase):
         self.sim.ok(*[f"set 1 up {r} {v}" for r, v in zip(range(12, 18), (2031, 2, 3, 4, 5, 6))], "tick 10")
         self.assertEqual([self.sim.word(f"1 up {r}") for r in range(12, 18)], [2031, 2, 3, 4, 5, 16])
 
+    def test_a_reserved_start_waits_for_its_enable_row_and_lapses_while_running(self):
+        clock = datetime.datetime(*[self.sim.word(f"1 up {r}") for r in range(12, 18)])
+        soon = (clock + datetime.timedelta(minutes=2)).replace(second=0)
+        self.sim.ok(*[f"set 1 up {r} {v}" for r, v in zip(range(18, 23), (soon.year, soon.month, soon.day, soon.hour, soon.minute))])
+        self.sim.ok("set 1 up 23 1")
+        # Rows being rewritten one by one: a past time half written starts nothing.
+        self.sim.ok(f"set 1 up 18 {clock.year - 1}", "tick 5")
+        self.assertEqual([self.rrp(1), self.rrp(14)], [0, 0])
+        self.sim.ok(f"set 1 up 18 {soon.year}", "set 1 up 23 1", "tick 5")
+        self.assertEqual([self.rrp(1), self.rrp(14)], [0, 1])
+        # Running when the time comes: the reservation lapses, the run goes on, its end starts nothing.
+        self.sim.ok("set 1 up 1 1", "set 1 up 2 0", "set 1 up 3 0", "set 1 rrp 1 1")  # an endless fixed run
+        self.sim.ok("tick 200")
+        self.assertEqual([self.rrp(1), self.sim.word("1 up 23")], [1, 0])
+        self.sim.ok("set 1 rrp 1 0", "tick 5")
+        self.assertEqual(self.rrp(1), 0)
+
+    def test_the_screen_shows_the_clock_and_a_waiting_reservation(self):
+        path = f"{self.sim.dir}/screen.ppm"
+        shot = lambda: (self.sim.ok(f"screen 1 {path}"), open(path, "rb").read())[1]
+        plain = shot()
+        self.sim.ok(*[f"set 1 up {r} {v}" for r, v in zip(range(12, 18), (2031, 2, 3, 4, 5, 6))])
+        with_clock = shot()
+        self.assertNotEqual(plain, with_clock)
+        self.sim.ok(*[f"set 1 up {r} {v}" for r, v in zip(range(18, 24), (2031, 2, 4, 8, 0, 1))])
+        self.assertEqual(self.rrp(14), 1)
+        reserved = shot()
+        self.assertNotEqual(with_clock, reserved)
+        # Only the title bar (lines 3 to 24 from the top) changed.
+        rows = lambda picture: [picture[-320 * 240 * 3:][y * 960:(y + 1) * 960] for y in range(240)]
+        changed = [y for y, (a, b) in enumerate(zip(rows(with_clock), rows(reserved))) if a != b]
+        self.assertTrue(changed and min(changed) >= 3 and max(changed) < 25, changed)
+
     def test_system_alarm_with_hysteresis_drives_its_relay(self):
         self.sim.ok(f"set 1 pv {temp_word(160.0)}", "tick 1")
         self.assertEqual(self.rcv(9) & 0x10, 0x10)  # system alarm 1: above 150 degrees

@@ -51,6 +51,7 @@ class Scenario(SimCase):
             "exception": lambda r: b",OK," not in r,
             "wrongmachine": lambda r: r[:4] == b"\x02002" and r[4:] == clean[4:],
             "short": lambda r: r == clean[:-1],
+            "cut": lambda r: r == clean[: len(clean) // 2],
         }
         for name, check in cases.items():
             with self.subTest(fault=name):
@@ -95,7 +96,8 @@ class Scenario(SimCase):
 
     def test_control_errors(self):
         for line in ["fault 9 silent on", "fault 1 sulky on", "fault 1 silent maybe", "set 1 rrp 18 1",
-                     "set 1 up 600 1", "get 1 rcv 28", "set 1 rrp 1 70000", "frobnicate"]:
+                     "set 1 up 600 1", "get 1 rcv 28", "set 1 rrp 1 70000", "frobnicate", "screen 9 /tmp/x.ppm",
+                     "screen 1", "screen 1 /nonexistent-folder/x.ppm"]:
             with self.subTest(line=line):
                 self.assertTrue(self.sim.command(line).startswith("error: "))
 

@@ -62,6 +62,14 @@ class Registers(SimCase):
         self.assertEqual(status[8], 17)
         self.assertEqual(status[1], temp_word(25.0))  # no noise: the stopped chamber stands at 25.00
 
+    def test_clock_and_reserved_start_as_one_block_each(self):
+        self.write(40112, [2030, 12, 31, 23, 59, 58])
+        self.assertEqual(self.read(40112, 6), [2030, 12, 31, 23, 59, 58])
+        self.write(40118, [2031, 1, 1, 0, 5, 1])
+        self.assertEqual(self.sim.word("1 rrp 14"), 1)  # a reserved start waits
+        self.write(40123, [0])
+        self.assertEqual(self.sim.word("1 rrp 14"), 0)
+
     def test_parameter_block_in_the_consoles_pieces(self):
         block = []
         for start in (40101, 40221, 40341, 40461):
@@ -106,7 +114,7 @@ class Registers(SimCase):
         names = self.read(42001, 120)
         self.assertEqual(len(names), 8 * 15)
         row12 = b"".join(w.to_bytes(2, "big") for w in self.read(44001, 12))
-        self.assertEqual(row12.rstrip(b"\0").decode("big5"), "程式組1")
+        self.assertEqual(row12.rstrip(b"\0").decode("big5"), "高溫高濕測試")
         name = "低溫".encode("big5").ljust(24, b"\0")
         self.write(44001 + 12 * 3, [int.from_bytes(name[i : i + 2], "big") for i in range(0, 24, 2)])  # row 15
         self.assertEqual(self.sim.command("get 1 td 15"), "低溫")
@@ -157,6 +165,16 @@ class Registers(SimCase):
         self.assertEqual(self.sim.word("1 sd 4 3 29"), int.from_bytes(data[56:], "big"))
         read.records[0].file_number, read.records[0].record_number = 4, 3
         self.assertEqual(self.client.execute(read).records[0].record_data, data)
+
+    def test_generated_programs_follow_the_firmwares_pattern_count(self):
+        self.sim.ok("programs 5 300 1")
+        # Register numbers are 16 bits: pattern 191 is the last one whose 81 registers fit.
+        p191 = 50001 + 81 * 190
+        self.assertEqual(self.read(p191, 81, slave=5)[0], 1)
+        name = b"".join(w.to_bytes(2, "big") for w in self.read(44001 + 12 * 299, 12, slave=5))
+        self.assertEqual(name.rstrip(b"\0").decode("big5"), "程式300")
+        self.assertEqual(self.client.read_holding_registers(50001 + 81 * 100, 81, slave=1).exception_code, 2)  # 100 patterns
+        self.assertEqual(self.sim.word("5 pd 300 1"), 1)
 
     def test_exception_replies(self):
         self.assertEqual(self.client.read_holding_registers(39999, 2, slave=1).exception_code, 2)

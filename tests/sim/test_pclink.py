@@ -59,7 +59,7 @@ class Replies(SimCase):
         self.assertEqual(words(self.answer(request(12, "RUP", 80), 21, b"\x02012RUP,OK,0080,")), [1])
 
     def test_text_rows_hold_big5_names_and_take_writes(self):
-        self.assertEqual(self.answer(request(1, "RTD", 12), 48, b"\x02001RTD,OK,0012,").rstrip(b"\0").decode("big5"), "程式組1")
+        self.assertEqual(self.answer(request(1, "RTD", 12), 48, b"\x02001RTD,OK,0012,").rstrip(b"\0").decode("big5"), "高溫高濕測試")
         name = "高溫測試".encode("big5").ljust(29, b"\0")
         self.assertEqual(self.ask(request(1, "WTD", 13, data=name), 18), b"\x02001WTD,OK,0013\x03\r\n")
         self.assertEqual(self.answer(request(1, "RTD", 13), 48, b"\x02001RTD,OK,0013,"), name)
@@ -114,6 +114,26 @@ class Replies(SimCase):
         finally:
             self.sim.ok("set 1 pv auto")
 
+    def test_screen_file_is_the_captured_picture_in_colour(self):
+        pixels = self.answer(request(1, "RCS"), 76814, b"\x02001RCS,OK,")
+        path = os.path.join(self.sim.dir, "screen.ppm")
+        self.sim.ok(f"screen 1 {path}")
+        with open(path, "rb") as f:
+            self.assertEqual(f.readline() + f.readline() + f.readline(), b"P6\n320 240\n255\n")
+            rgb = f.read()
+        self.assertEqual(len(rgb), 320 * 240 * 3)
+        palette = lambda b: bytes([(b & 0xE0) + 31, (b & 0x1C) * 8 + 31, (b & 0x03) * 64 + 63])
+        for y in range(240):
+            line = pixels[(239 - y) * 320 : (240 - y) * 320]  # the reply is bottom line first
+            self.assertEqual(rgb[y * 960 : (y + 1) * 960], b"".join(palette(b) for b in line), f"line {y}")
+
+    def test_clock_rows_written_one_by_one_set_the_clock(self):
+        for row, value in zip(range(12, 18), (2031, 2, 28, 23, 59, 30)):
+            self.assertEqual(self.ask(request(1, "WUP", row, data=value.to_bytes(2, "big")), 18),
+                             b"\x02001WUP,OK," + b"%04d" % row + b"\x03\r\n")
+        self.assertEqual(self.answer(request(1, "RUP", 0), 1043, b"\x02001RUP,OK,0000,")[22:34],
+                         b"".join(v.to_bytes(2, "big") for v in (2031, 2, 28, 23, 59, 30)))
+
     def test_other_machine_numbers_get_no_answer(self):
         other = lambda: int(self.sim.command("stats").split("other:")[1].split()[0])
         before = other()
@@ -134,6 +154,32 @@ class Replies(SimCase):
             port.write(request(1, "WHO"))
             self.assertIn(b"QM", read_reply(port))
             port.close()
+
+
+class GeneratedPrograms(SimCase):
+    """The program memory filled by the control command, per firmware's pattern count."""
+
+    options = ("--machines", "1,12:2.09", "--seed", "0", "--speed", "0", "--no-pace")
+
+    def segments(self, machine, pattern):
+        header = b"\x02%03dRPD,OK,%04d,0000," % (machine, pattern)
+        reply = self.ask(request(machine, "RPD", pattern, 0), 186)
+        self.assertEqual(reply[:len(header)], header)
+        return words(reply[len(header):-3])[0]
+
+    def test_patterns_get_segments_names_and_the_rest_is_empty(self):
+        self.sim.ok("programs all 30 10")
+        for machine, count in [(1, 100), (12, 300)]:
+            self.assertEqual([self.segments(machine, p) for p in (1, 30, 31, count)], [10, 10, 0, 0])
+            name = self.ask(request(machine, "RTD", 11 + 30), 48)[16:45]
+            self.assertEqual(name.rstrip(b"\0").decode("big5"), "程式30")
+            self.assertEqual(self.ask(request(machine, "RTD", 11 + 31), 48)[16:45], bytes(29))
+            segment = words(self.ask(request(machine, "RSD", 30, 10, 0), 87)[26:-3])
+            self.assertEqual(len(segment), 29)
+            self.assertNotEqual(segment[3], 0)  # a duration
+        self.assertNotIn(b",OK,", self.ask(request(1, "RPD", 101, 0)))  # 100 patterns on 2.31
+        self.assertTrue(self.sim.command("programs 1 5 101").startswith("error"))
+        self.assertTrue(self.sim.command("programs 9 5 5").startswith("error"))
 
 
 class WithSum(SimCase):

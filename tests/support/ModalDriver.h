@@ -1,6 +1,7 @@
 #pragma once
 #include <QApplication>
 #include <QDialog>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
@@ -35,6 +36,19 @@ public:
             if (field)
                 w->findChild<QLineEdit *>(QLatin1String(field))->setText(text);
             w->findChild<QPushButton *>(QLatin1String(button))->click();
+        });
+    }
+
+    // A file dialog gets the path typed as the file's name and is accepted (a
+    // question to replace an existing file comes as the next modal window).
+    void file(const QString &path)
+    {
+        then([path](QWidget *w) {
+            if (auto *name = w->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
+                name->setText(path);
+            else
+                static_cast<QFileDialog *>(w)->selectFile(path);
+            static_cast<QDialog *>(w)->accept();
         });
     }
 

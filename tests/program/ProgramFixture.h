@@ -1,0 +1,48 @@
+#pragma once
+#include "ConsoleState.h"
+#include "ProgramImage.h"
+#include "ScreenBench.h"
+#include "TableTyping.h"
+#include <QTemporaryDir>
+#include <initializer_list>
+#include <utility>
+
+// Machines 3 and 5 on the line, 5 in the foreground (its live values in
+// column 2 of sprdRCV), at a firmware and in a protocol of the test's choice.
+struct ProgramBench {
+    QTemporaryDir home;
+    ScreenBench bench{home.path(), {3, 5}};
+    ConsoleState &state = bench.state;
+
+    explicit ProgramBench(double firmware = 2.31, const QString &protocol = QStringLiteral("PC Link"))
+    {
+        state.CurrentMachine = 5;
+        state.CommProtocol = protocol;
+        state.image.applyFirmware(firmware);
+    }
+
+    // Every name and pattern counts as read from the controller.
+    void loadAll()
+    {
+        state.image.PatternLoaded.fill(true);
+        state.image.PatternNameLoaded.fill(true);
+    }
+    void words(int pattern, std::initializer_list<std::pair<int, qint64>> words)
+    {
+        for (const auto &[w, v] : words)
+            setPatternWord(state.image, pattern, w, v);
+    }
+    // Temperature and humidity words, hours and minutes.
+    void segment(int pattern, int segment, qint64 temp, qint64 humi, int hours, int minutes)
+    {
+        setSegmentWord(state.image, pattern, segment, Sd::SegTempSV, temp);
+        setSegmentWord(state.image, pattern, segment, Sd::SegHumiSV, humi);
+        setSegmentWord(state.image, pattern, segment, Sd::SegTime, packHoursMinutes(hours, minutes));
+    }
+    // The mailbox as a list: code, index, word.
+    QList<int> mailbox() const
+    {
+        return {state.ReqCmd, state.ReqIndex, (quint8(state.ReqData[0]) << 8) | quint8(state.ReqData[1])};
+    }
+    void clearMailbox() { state.ReqCmd = state.ReqIndex = 0; }
+};

@@ -1,0 +1,146 @@
+// The program curve: the points of known patterns from the image, the start
+// from the start values or from the live values, and what the chart is given.
+#include "LiveStatus.h"
+#include "ProgramCurve.h"
+#include "ProgramFixture.h"
+#include <QLineSeries>
+#include <QValueAxis>
+#include <QtTest>
+
+namespace {
+
+QList<QPointF> pointsOf(const QLineSeries *s)
+{
+    return s->points();
+}
+
+} // namespace
+
+class CurveTest : public QObject {
+    Q_OBJECT
+
+    // Pattern 4: from 25.0 / 60.0 up to 85.00 / 85.0 in 30 minutes, 85 for an
+    // hour, down to -10.50 / 0.0 in 1 h 15.
+    static void knownPattern(ProgramBench &b, int startMode)
+    {
+        b.words(4, {{Pd::SegmentCount, 3}, {Pd::StartMode, startMode}, {Pd::StartTemp, 1250}, {Pd::StartHumi, 600}});
+        b.segment(4, 1, 18500, 850, 0, 30);
+        b.segment(4, 2, 18500, 850, 1, 0);
+        b.segment(4, 3, 8950, 0, 1, 15);
+    }
+
+private slots:
+    void startValuesAndSegmentsFillTheList()
+    {
+        ProgramBench b;
+        knownPattern(b, 0);
+        TextTable list;
+        ComputeCurvePoints(b.state, 4, list);
+        QCOMPARE(list.rowCount(), 3);
+        QCOMPARE(QStringList({list.text(3, 0), list.text(4, 0)}), QStringList({"25.0", "60.0"}));
+        QCOMPARE(QStringList({list.text(2, 3), list.text(3, 3), list.text(4, 3), list.text(5, 3)}),
+                 QStringList({"3", "-10.50", "0.0", "75"}));
+        QCOMPARE(list.text(3, 1), QStringLiteral("85.00"));
+
+        const QVector<CurvePoint> p = curvePoints(list);
+        QCOMPARE(p.size(), 4);
+        QList<double> x, t, h;
+        for (const CurvePoint &c : p) {
+            x << c.minutes;
+            t << c.temperature;
+            h << c.humidity;
+        }
+        QCOMPARE(x, QList<double>({0, 30, 90, 165}));
+        QCOMPARE(t, QList<double>({25.0, 85.0, 85.0, -10.5}));
+        QCOMPARE(h, QList<double>({60.0, 85.0, 85.0, 0.0}));
+    }
+
+    void measuredStartTakesTheForegroundMachinesLiveValues()
+    {
+        ProgramBench b;
+        knownPattern(b, 1);
+        b.state.image.setTempDecimals(1);
+        TextTable &rcv = b.state.image.sprdRCV;
+        // Machine 5 is in slot 1: column 2. Machine 3's values must not be taken.
+        rcv.setNumber(1, Rcv::TempPV, 9000);
+        rcv.setNumber(1, Rcv::HumiPV, 100);
+        rcv.setNumber(2, Rcv::TempPV, 12345);
+        rcv.setNumber(2, Rcv::HumiPV, 583);
+        TextTable list;
+        ComputeCurvePoints(b.state, 4, list);
+        QCOMPARE(QStringList({list.text(3, 0), list.text(4, 0)}), QStringList({"23.5", "58.3"}));
+
+        // The first segment without humidity: no measured start humidity.
+        b.segment(4, 1, 18500, 0, 0, 30);
+        ComputeCurvePoints(b.state, 4, list);
+        QCOMPARE(list.text(4, 0), NoHumidityMark);
+        QCOMPARE(curvePoints(list).first().humidity, 0.0);
+
+        // A sensor burn-out, and no reading at all: the marks, drawn as 0.
+        rcv.setNumber(2, Rcv::TempPV, 65535);
+        ComputeCurvePoints(b.state, 4, list);
+        QCOMPARE(list.text(3, 0), NoTemperatureMark);
+        rcv.setText(2, Rcv::TempPV, QString());
+        ComputeCurvePoints(b.state, 4, list);
+        QCOMPARE(curvePoints(list).first().temperature, 0.0);
+
+        // A foreground machine not in the list reads the first column.
+        b.state.CurrentMachine = 9;
+        ComputeCurvePoints(b.state, 4, list);
+        QCOMPARE(list.text(3, 0), QStringLiteral("-10.0"));
+    }
+
+    void emptyPatternsAndZeroMinuteSegments()
+    {
+        ProgramBench b;
+        b.words(7, {{Pd::SegmentCount, 0}, {Pd::StartTemp, 1100}});
+        TextTable list;
+        ComputeCurvePoints(b.state, 7, list);
+        QCOMPARE(curvePoints(list).size(), 1);
+        QCOMPARE(curvePoints(list).first().temperature, 10.0);
+
+        // Two segments of 0 minutes: a vertical step at the same place.
+        b.words(7, {{Pd::SegmentCount, 2}});
+        b.segment(7, 1, 13000, 500, 0, 0);
+        b.segment(7, 2, 14000, 500, 0, 0);
+        ComputeCurvePoints(b.state, 7, list);
+        const QVector<CurvePoint> p = curvePoints(list);
+        QCOMPARE(p.size(), 3);
+        QCOMPARE(p[1].minutes, 0.0);
+        QCOMPARE(p[2].minutes, 0.0);
+        QCOMPARE(p[2].temperature, 40.0);
+    }
+
+    void theChartGetsBothSeriesAndClears()
+    {
+        ProgramBench b;
+        knownPattern(b, 0);
+        TextTable list;
+        ComputeCurvePoints(b.state, 4, list);
+        ProgramCurve curve(QStringLiteral("溫度SV"), QStringLiteral("濕度SV"));
+        QVERIFY(curve.isCleared());
+        curve.DrawCurve(list);
+        QVERIFY(!curve.isCleared());
+        QCOMPARE(pointsOf(curve.series(0)),
+                 QList<QPointF>({{0, 25.0}, {30, 85.0}, {90, 85.0}, {165, -10.5}}));
+        QCOMPARE(pointsOf(curve.series(1)), QList<QPointF>({{0, 60.0}, {30, 85.0}, {90, 85.0}, {165, 0.0}}));
+        // Each series on its own value axis, the whole time and the coldest point in view.
+        QVERIFY(curve.series(0)->attachedAxes().contains(curve.temperatureAxis()));
+        QVERIFY(curve.series(1)->attachedAxes().contains(curve.humidityAxis()));
+        QVERIFY(curve.timeAxis()->max() >= 165);
+        QVERIFY(curve.temperatureAxis()->min() <= -10.5);
+        QCOMPARE(curve.series(0)->name(), QStringLiteral("溫度SV"));
+        QCOMPARE(curve.temperatureAxis()->titleText(), QStringLiteral("溫度(℃)"));
+        QCOMPARE(curve.humidityAxis()->titleText(), QStringLiteral("濕度(%RH)"));
+        QCOMPARE(curve.timeAxis()->titleText(), QStringLiteral("時間(分)"));
+
+        curve.set3D(true);
+        QCOMPARE(pointsOf(curve.series(0)).size(), 4); // depth touches no data
+        curve.ClearCurve();
+        QVERIFY(curve.isCleared());
+        QVERIFY(pointsOf(curve.series(0)).isEmpty() && pointsOf(curve.series(1)).isEmpty());
+    }
+};
+
+QTEST_MAIN(CurveTest)
+#include "tst_curve.moc"

@@ -1,0 +1,168 @@
+// The wait screen of the program fetch: what it asks for (only what is not
+// loaded), how it words the link's progress, its end, its stop, and the
+// timing note.
+#include "CommLink.h"
+#include "Files.h"
+#include "ProgramFixture.h"
+#include "Widgets.h"
+#include "frmQM730_PTN_Recv.h"
+#include <QFile>
+#include <QLabel>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QtTest>
+
+namespace {
+
+BulkProgress fetchProgress(BulkTable table, int done, int total, bool failed = false)
+{
+    BulkProgress p;
+    p.job = BulkJob::ProgramFetch;
+    p.table = table;
+    p.done = done;
+    p.total = total;
+    p.failed = failed;
+    return p;
+}
+
+} // namespace
+
+class FetchScreenTest : public QObject {
+    Q_OBJECT
+private slots:
+    void onlyRowsNotLoadedAreAskedFor_data()
+    {
+        QTest::addColumn<QString>("protocol");
+        QTest::addColumn<int>("nameCode");
+        QTest::newRow("pclink") << QStringLiteral("PC Link") << int(Cmd::RecvText);
+        QTest::newRow("modbus") << QStringLiteral("Modbus RTU") << int(Cmd::RecvTextInputs);
+    }
+    void onlyRowsNotLoadedAreAskedFor()
+    {
+        QFETCH(QString, protocol);
+        QFETCH(int, nameCode);
+        ProgramBench b(2.31, protocol);
+        ControllerImage &img = b.state.image;
+        b.loadAll();
+        // Names of patterns 1 to 3 are in, that of pattern 4 is not.
+        img.PatternNameLoaded[3] = false;
+        img.sprdTD.setText(1, 13, QStringLiteral("已讀"));
+        img.sprdTD.setText(1, 15, QStringLiteral("舊名"));
+        {
+            frmQM730_PTN_Recv screen(b.bench.ctx);
+            QCOMPARE(b.state.ReqCmd, nameCode);
+            QCOMPARE(b.state.ReqIndex, 15);
+            QCOMPARE(b.state.CmdIndexEnd, 111);
+            QCOMPARE(b.state.BulkFormName, QStringLiteral("frmQM730_PTN_Recv"));
+            // What was read stays; the row about to be read is emptied.
+            QCOMPARE(img.sprdTD.text(1, 13), QStringLiteral("已讀"));
+            QVERIFY(img.sprdTD.isEmpty(1, 15));
+        }
+        // Every name in: the first pattern not loaded, and only its count emptied.
+        b.loadAll();
+        img.PatternLoaded[6] = img.PatternLoaded[8] = false;
+        img.sprdPD.setNumber(1, 5, 4);
+        img.sprdPD.setNumber(1, 9, 4);
+        b.clearMailbox();
+        {
+            frmQM730_PTN_Recv screen(b.bench.ctx);
+            QCOMPARE(b.state.ReqCmd, int(Cmd::RecvPattern));
+            QCOMPARE(b.state.PatternNo, 7);
+            QCOMPARE(img.sprdPD.text(1, 5), QStringLiteral("4"));
+            QVERIFY(img.sprdPD.isEmpty(1, 9));
+        }
+    }
+
+    void everythingLoadedEndsAtOnceAndAsksNothing()
+    {
+        ProgramBench b;
+        b.loadAll();
+        writeTextLinesAtomic(b.home.path() + QStringLiteral("/WChkTime.INI"), {QStringLiteral("1")});
+        frmQM730_PTN_Recv screen(b.bench.ctx);
+        QCOMPARE(b.state.ReqCmd, 0);
+        QCOMPARE(screen.message(), frmQM730_PTN_Recv::Done);
+        QElapsedTimer t;
+        t.start();
+        QCOMPARE(screen.exec(), int(QDialog::Accepted));
+        QVERIFY(t.elapsed() < 1000);
+        QVERIFY(!b.state.ReceptionStopped);
+        QVERIFY(!QFile::exists(b.home.path() + QStringLiteral("/PTN_PASS.TM"))); // nothing was read
+    }
+
+    void progressIsWordedAndTheEndClosesTheScreen()
+    {
+        ProgramBench b;
+        frmQM730_PTN_Recv screen(b.bench.ctx);
+        screen.show();
+        CommLink &link = b.bench.link;
+        emit link.bulkProgress(fetchProgress(BulkTable::Texts, 3, 100));
+        QCOMPARE(screen.message(), QStringLiteral("程式組名稱 接收中... [3/100]"));
+        emit link.bulkProgress(fetchProgress(BulkTable::Patterns, 42, 100));
+        QCOMPARE(screen.message(), QStringLiteral("程式組資料 接收中... [42/100]"));
+        // A silent machine leaves the line standing; another job's news is not this screen's.
+        emit link.bulkProgress(fetchProgress(BulkTable::Patterns, 42, 100, true));
+        BulkProgress other = fetchProgress(BulkTable::Texts, 1, 111);
+        other.job = BulkJob::ParameterReceive;
+        emit link.bulkProgress(other);
+        emit link.bulkFinished(BulkJob::ParameterReceive);
+        QTest::qWait(50);
+        QCOMPARE(screen.message(), QStringLiteral("程式組資料 接收中... [42/100]"));
+        QVERIFY(screen.isVisible());
+
+        emit link.bulkFinished(BulkJob::ProgramFetch);
+        QCOMPARE(screen.message(), frmQM730_PTN_Recv::Done);
+        QTRY_VERIFY_WITH_TIMEOUT(!screen.isVisible(), 200);
+        QCOMPARE(screen.result(), int(QDialog::Accepted));
+        QVERIFY(!b.state.ReceptionStopped);
+    }
+
+    void stopRaisesTheFlagAndEndsTheFetch()
+    {
+        ProgramBench b;
+        for (bool button : {true, false}) {
+            b.state.ReceptionStopped = false;
+            frmQM730_PTN_Recv screen(b.bench.ctx);
+            screen.show();
+            QCOMPARE(b.state.ReqCmd, int(Cmd::RecvText));
+            if (button)
+                QTest::mouseClick(child<QPushButton>(screen, "btnStop"), Qt::LeftButton);
+            else
+                QTest::keyClick(&screen, Qt::Key_Escape); // closing the window is the same stop
+            QVERIFY(b.state.ReceptionStopped);
+            QCOMPARE(b.state.ReqCmd, int(Cmd::Poll));
+            QVERIFY(!screen.isVisible());
+            QCOMPARE(screen.result(), int(QDialog::Rejected));
+        }
+    }
+
+    void timingNoteOnlyWhenAskedFor()
+    {
+        ProgramBench b;
+        const QString note = b.home.path() + QStringLiteral("/PTN_PASS.TM");
+        const QString switchFile = b.home.path() + QStringLiteral("/WChkTime.INI");
+        auto fetchOnce = [&] {
+            frmQM730_PTN_Recv screen(b.bench.ctx);
+            emit b.bench.link.bulkFinished(BulkJob::ProgramFetch);
+            screen.exec();
+        };
+        fetchOnce(); // no WChkTime.INI
+        QVERIFY(!QFile::exists(note));
+        writeTextLinesAtomic(switchFile, {QStringLiteral("0")});
+        fetchOnce();
+        QVERIFY(!QFile::exists(note));
+
+        writeTextLinesAtomic(switchFile, {QStringLiteral("1")});
+        b.state.CommBaud = QStringLiteral("38400");
+        fetchOnce();
+        fetchOnce();
+        const auto lines = readTextLines(note);
+        QVERIFY(lines);
+        QCOMPARE(lines->size(), 2);
+        static const QRegularExpression form(
+            QStringLiteral("^BAUD:38400\\tSTART:\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\tEND:\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d$"));
+        QVERIFY2(form.match(lines->first()).hasMatch(), qPrintable(lines->first()));
+    }
+};
+
+QTEST_MAIN(FetchScreenTest)
+#include "tst_fetch_screen.moc"
