@@ -1,12 +1,14 @@
 // Pictures of the console's screens for the documentation, taken against the
 // demonstration line (qm730-sim beside this program):
 //
-//   qm730-shot [--home DIR] [--protocol P] [--wait S] [--click NAME[:INDEX]]... --out FILE SCREEN
+//   qm730-shot [--home DIR] [--protocol P] [--wait S] [--cell TABLE:ROW:COL]...
+//              [--click NAME[:INDEX]]... --out FILE SCREEN
 //   qm730-shot --list
 //
 // It starts the simulated line, opens the port, waits for the scan and a few
 // polls, does what the menu does before the screen opens, shows the screen,
-// waits, clicks the named controls one after another (a second apart), and
+// waits, clicks the named table cells and then the named controls one after
+// another (a second apart), and
 // saves the screen as drawn. SCREEN is a name of the screen registry or
 // frmQM730_Main. Run it under Xvfb (scripts/screenshots) for the fonts of a
 // real desktop.
@@ -25,6 +27,7 @@
 #include <QLibraryInfo>
 #include <QProcess>
 #include <QStringList>
+#include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTextStream>
 #include <QTimer>
@@ -71,9 +74,10 @@ int main(int argc, char **argv)
     const QCommandLineOption protocolOpt(QStringLiteral("protocol"), QStringLiteral("Link protocol of a new folder."), QStringLiteral("P"), QStringLiteral("PC Link"));
     const QCommandLineOption waitOpt(QStringLiteral("wait"), QStringLiteral("Seconds between showing the screen and the picture."), QStringLiteral("S"), QStringLiteral("3"));
     const QCommandLineOption clickOpt(QStringLiteral("click"), QStringLiteral("A control to click after the wait (NAME or NAME:INDEX); may be repeated."), QStringLiteral("NAME"));
+    const QCommandLineOption cellOpt(QStringLiteral("cell"), QStringLiteral("A table cell to click after the wait (TABLE:ROW:COL, from 0); may be repeated."), QStringLiteral("CELL"));
     const QCommandLineOption outOpt(QStringLiteral("out"), QStringLiteral("The PNG file to write."), QStringLiteral("FILE"));
     const QCommandLineOption listOpt(QStringLiteral("list"), QStringLiteral("List the screens that can be shown."));
-    parser.addOptions({homeOpt, protocolOpt, waitOpt, clickOpt, outOpt, listOpt});
+    parser.addOptions({homeOpt, protocolOpt, waitOpt, cellOpt, clickOpt, outOpt, listOpt});
     parser.addPositionalArgument(QStringLiteral("screen"), QStringLiteral("Screen name."));
     parser.process(app);
 
@@ -135,6 +139,20 @@ int main(int argc, char **argv)
         shown = screen.get();
     }
     waitMs(int(parser.value(waitOpt).toDouble() * 1000));
+    for (const QString &spec : parser.values(cellOpt)) {
+        QWidget *root = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : shown;
+        auto *table = root->findChild<QTableWidget *>(spec.section(u':', 0, 0));
+        const int row = spec.section(u':', 1, 1).toInt();
+        const int col = spec.section(u':', 2, 2).toInt();
+        if (!table || row < 0 || row >= table->rowCount() || col < 0 || col >= table->columnCount()) {
+            err << "no cell " << spec << '\n';
+            return 1;
+        }
+        table->setCurrentCell(row, col);
+        // From the loop: the click may open a modal screen of its own.
+        QTimer::singleShot(0, table, [table, row, col] { emit table->cellClicked(row, col); });
+        waitMs(1000);
+    }
     for (const QString &spec : parser.values(clickOpt)) {
         QWidget *root = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : shown;
         if (QAbstractButton *b = findButton(root, spec)) {
