@@ -112,6 +112,7 @@ void frmQM730Prg_SEG::buildControls()
         sh->setCaption(ColSignal1 + k, ColSignal1 + k, QString::number(k + 1));
     sprdSegment = named(new QTableWidget(Sd::MaxSegments, SegmentColumns), QStringLiteral("sprdSegment"));
     sprdSegment->setHorizontalHeader(sh);
+    sh->setMinimumSectionSize(18);
     sprdSegment->setSelectionMode(QAbstractItemView::SingleSelection);
     sprdSegment->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed
                                  | QAbstractItemView::AnyKeyPressed);
@@ -119,7 +120,7 @@ void frmQM730Prg_SEG::buildControls()
     sprdSegment->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     sprdSegment->verticalHeader()->setSectionsClickable(true);
     for (int c = 0; c < SegmentColumns; ++c)
-        sprdSegment->setColumnWidth(c, c <= ColMinutes ? 62 : c == ColWait ? 44 : 26);
+        sprdSegment->setColumnWidth(c, c <= ColMinutes ? 58 : c == ColWait ? 44 : 28);
     sprdSegment->setColumnHidden(ColSpare, true);
     // Set values and time are typed; the flags are switched by a click.
     for (int r = 0; r < Sd::MaxSegments; ++r)

@@ -63,8 +63,8 @@ public:
     bool printSheet(QPrinter &printer);
     bool printGraph(QPrinter &printer);
     // Both into a PDF file; false when the file can't be written.
-    bool printSheetToPdf(const QString &path);
-    bool printGraphToPdf(const QString &path);
+    Q_INVOKABLE bool printSheetToPdf(const QString &path);
+    Q_INVOKABLE bool printGraphToPdf(const QString &path);
 
 public slots:
     void tmrRefresh_Timer();

@@ -2,7 +2,7 @@
 // demonstration line (qm730-sim beside this program):
 //
 //   qm730-shot [--home DIR] [--protocol P] [--wait S] [--cell TABLE:ROW:COL]...
-//              [--click NAME[:INDEX]]... --out FILE SCREEN
+//              [--click NAME[:INDEX]]... [--call METHOD=ARG]... --out FILE SCREEN
 //   qm730-shot --list
 //
 // It starts the simulated line, opens the port, waits for the scan and a few
@@ -75,9 +75,10 @@ int main(int argc, char **argv)
     const QCommandLineOption waitOpt(QStringLiteral("wait"), QStringLiteral("Seconds between showing the screen and the picture."), QStringLiteral("S"), QStringLiteral("3"));
     const QCommandLineOption clickOpt(QStringLiteral("click"), QStringLiteral("A control to click after the wait (NAME or NAME:INDEX); may be repeated."), QStringLiteral("NAME"));
     const QCommandLineOption cellOpt(QStringLiteral("cell"), QStringLiteral("A table cell to click after the wait (TABLE:ROW:COL, from 0); may be repeated."), QStringLiteral("CELL"));
+    const QCommandLineOption callOpt(QStringLiteral("call"), QStringLiteral("Before the picture, call the screen's invokable METHOD with the text ARG (printSheetToPdf=FILE ...); may be repeated."), QStringLiteral("METHOD=ARG"));
     const QCommandLineOption outOpt(QStringLiteral("out"), QStringLiteral("The PNG file to write."), QStringLiteral("FILE"));
     const QCommandLineOption listOpt(QStringLiteral("list"), QStringLiteral("List the screens that can be shown."));
-    parser.addOptions({homeOpt, protocolOpt, waitOpt, cellOpt, clickOpt, outOpt, listOpt});
+    parser.addOptions({homeOpt, protocolOpt, waitOpt, cellOpt, clickOpt, callOpt, outOpt, listOpt});
     parser.addPositionalArgument(QStringLiteral("screen"), QStringLiteral("Screen name."));
     parser.process(app);
 
@@ -139,7 +140,43 @@ int main(int argc, char **argv)
         shown = screen.get();
     }
     waitMs(int(parser.value(waitOpt).toDouble() * 1000));
-    for (const QString &spec : parser.values(cellOpt)) {
+
+    // The picture is taken a second after the last step. A step that opens a
+    // modal screen stays in that screen's own loop until it closes, so the
+    // picture is taken from a timer, which runs inside that loop too.
+    const QString file = parser.value(outOpt);
+    bool taken = false;
+    int status = 0;
+    auto finish = [&] {
+        if (taken)
+            return;
+        taken = true;
+        for (const QString &spec : parser.values(callOpt)) {
+            bool done = false;
+            QMetaObject::invokeMethod(shown, spec.section(u'=', 0, 0).toLatin1().constData(), Q_RETURN_ARG(bool, done),
+                                      Q_ARG(QString, spec.section(u'=', 1)));
+            if (!done)
+                err << "call failed: " << spec << '\n';
+        }
+        QWidget *target = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : shown;
+        if (target->grab().save(file)) {
+            out << file << '\n';
+        } else {
+            err << "cannot write " << file << '\n';
+            status = 1;
+        }
+        out.flush();
+        core.shutdown();
+        for (QProcess *sim : core.findChildren<QProcess *>()) {
+            sim->terminate();
+            sim->waitForFinished(2000);
+        }
+        QCoreApplication::exit(status); // ends a modal screen's loop as well
+    };
+    const QStringList cells = parser.values(cellOpt);
+    const QStringList clicks = parser.values(clickOpt);
+    QTimer::singleShot(int(cells.size() + clicks.size() + 1) * 1000, &app, finish);
+    for (const QString &spec : cells) {
         QWidget *root = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : shown;
         auto *table = root->findChild<QTableWidget *>(spec.section(u':', 0, 0));
         const int row = spec.section(u':', 1, 1).toInt();
@@ -149,11 +186,12 @@ int main(int argc, char **argv)
             return 1;
         }
         table->setCurrentCell(row, col);
-        // From the loop: the click may open a modal screen of its own.
-        QTimer::singleShot(0, table, [table, row, col] { emit table->cellClicked(row, col); });
+        emit table->cellClicked(row, col);
+        if (taken)
+            return status;
         waitMs(1000);
     }
-    for (const QString &spec : parser.values(clickOpt)) {
+    for (const QString &spec : clicks) {
         QWidget *root = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : shown;
         if (QAbstractButton *b = findButton(root, spec)) {
             b->click();
@@ -161,19 +199,11 @@ int main(int argc, char **argv)
             err << "no control " << spec << '\n';
             return 1;
         }
+        if (taken)
+            return status;
         waitMs(1000);
     }
-    QWidget *target = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : shown;
-    const QString file = parser.value(outOpt);
-    if (!target->grab().save(file)) {
-        err << "cannot write " << file << '\n';
-        return 1;
-    }
-    out << file << '\n';
-    core.shutdown();
-    for (QProcess *sim : core.findChildren<QProcess *>()) {
-        sim->terminate();
-        sim->waitForFinished(2000);
-    }
-    return 0;
+    if (!taken)
+        app.exec(); // until the picture is taken
+    return status;
 }
