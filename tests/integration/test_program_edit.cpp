@@ -12,6 +12,7 @@
 #include "frmQM730Prg_Managemen.h"
 #include "frmQM730Prg_SEG.h"
 #include <QApplication>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -151,6 +152,25 @@ private slots:
         QCOMPARE(pd(11, 1), QStringLiteral("3")); // the copy stays
         QVERIFY(d.unexpected.isEmpty());
         mgmt.close();
+
+        // The copy's segments deleted one by one: the middle one (the later
+        // ones move up in the controller too), the last, then the only one.
+        frmQM730Prg_SEG seg(core.context(), nullptr, 11, true);
+        seg.show();
+        auto *rows = child<QTableWidget>(seg, "sprdSegment");
+        QTRY_VERIFY(rows->isEnabled());
+        for (const auto &[heading, count] : {std::pair{1, 2}, std::pair{1, 1}, std::pair{0, 0}}) {
+            d.box(QMessageBox::Yes);
+            emit rows->verticalHeader()->sectionClicked(heading);
+            QTRY_VERIFY(d.done());
+            QTRY_COMPARE_WITH_TIMEOUT(pd(11, 1), QString::number(count), Wait);
+            QTRY_VERIFY2_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, qPrintable(QStringLiteral("count %1 state %2 segment %3").arg(count).arg(s.CmdState).arg(s.SegmentNo)), Wait);
+            if (count == 2)
+                QCOMPARE(sd(11, 2, 4), QString::number(256 + 30)); // segment 3 moved up
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(seg.shownSegmentCount(), 0, Wait);
+        QVERIFY(s.machines[0].MachineOnline);
+        QVERIFY(d.unexpected.isEmpty());
     }
 };
 
