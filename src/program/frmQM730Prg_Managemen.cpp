@@ -161,10 +161,7 @@ void frmQM730Prg_Managemen::buildControls()
 
     setUpRefreshTimer(tmrRefresh);
     connect(&tmrRefresh, &QTimer::timeout, this, &frmQM730Prg_Managemen::tmrRefresh_Timer);
-    tmrRefresh_ID.setObjectName(QStringLiteral("tmrRefresh_ID"));
-    tmrRefresh_ID.setSingleShot(true);
-    tmrRefresh_ID.setInterval(50);
-    connect(&tmrRefresh_ID, &QTimer::timeout, this, [this] {
+    setUpOpeningTimers(this, tmrRefresh_ID, tmrUnload, [this] {
         lblMC_No->setText(QString::number(m_state.CurrentMachine));
         txtSource_Pattern->setText(QStringLiteral("1"));
         txtTarget_Pattern->setText(QStringLiteral("1"));
@@ -172,10 +169,6 @@ void frmQM730Prg_Managemen::buildControls()
         showTarget(1);
         tmrRefresh.start();
     });
-    tmrUnload.setObjectName(QStringLiteral("tmrUnload"));
-    tmrUnload.setSingleShot(true);
-    tmrUnload.setInterval(0);
-    connect(&tmrUnload, &QTimer::timeout, this, &QDialog::reject);
 }
 
 void frmQM730Prg_Managemen::load()

@@ -203,15 +203,8 @@ void frmQM730Prg_SEG::buildControls()
 
     setUpRefreshTimer(tmrRefresh);
     connect(&tmrRefresh, &QTimer::timeout, this, &frmQM730Prg_SEG::tmrRefresh_Timer);
-    tmrRefresh_ID.setObjectName(QStringLiteral("tmrRefresh_ID"));
-    tmrRefresh_ID.setSingleShot(true);
-    tmrRefresh_ID.setInterval(50);
-    connect(&tmrRefresh_ID, &QTimer::timeout, this,
-            [this] { lblMC_No->setText(QString::number(m_state.CurrentMachine)); });
-    tmrUnload.setObjectName(QStringLiteral("tmrUnload"));
-    tmrUnload.setSingleShot(true);
-    tmrUnload.setInterval(0);
-    connect(&tmrUnload, &QTimer::timeout, this, &QDialog::reject);
+    setUpOpeningTimers(this, tmrRefresh_ID, tmrUnload,
+                       [this] { lblMC_No->setText(QString::number(m_state.CurrentMachine)); });
     // The chain of a count change is through: the wait message goes.
     connect(&m_ctx.link, &CommLink::segmentWriteDone, lblMSG, &QLabel::hide);
 }
