@@ -7,11 +7,13 @@
 #include "ProgramCurve.h"
 #include "ProgramFixture.h"
 #include "Widgets.h"
+#include "frmQM730Prg_PTN.h"
 #include "frmQM730Prg_SEG.h"
 #include <QFile>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineSeries>
+#include <QPushButton>
 #include <QtTest>
 
 using Seg = frmQM730Prg_SEG;
@@ -102,6 +104,26 @@ private slots:
         f.open(2);
         QTRY_COMPARE(f.form->shownSegmentCount(), 4);
         QCOMPARE(f.form->selectedPattern(), 2);
+    }
+
+    void thePatternEditorOpensItOnItsPattern()
+    {
+        Editor e;
+        frmQM730Prg_PTN patterns(e.b.bench.ctx);
+        patterns.show();
+        clickCell(child<QTableWidget>(patterns, "sprdPattern"), 1, 0);
+        ModalDriver d;
+        int chosen = 0;
+        d.then([&chosen](QWidget *w) {
+            chosen = static_cast<Seg *>(w)->selectedPattern();
+            static_cast<Seg *>(w)->reject();
+        });
+        child<QPushButton>(patterns, "btnGo_Segment")->click();
+        QTRY_VERIFY(d.done());
+        QCOMPARE(d.met, QStringList({"frmQM730Prg_SEG"}));
+        QCOMPARE(chosen, 2);
+        // Back in the pattern editor, the refresh is its own again.
+        QCOMPARE(e.b.state.ActiveRefreshTimer.data(), patterns.findChild<QTimer *>(QStringLiteral("tmrRefresh")));
     }
 
     void aFinishedCellSendsItsWordOfTheSegment()
