@@ -99,6 +99,16 @@ private slots:
         QCOMPARE(e.signalGrid->item(1, Seg::ColTime1First)->text(), QStringLiteral("1"));
         QCOMPARE(e.signalGrid->item(1, Seg::ColTime1Second)->text(), QStringLiteral("30"));
 
+        // Humidity is controlled between the bounds of sprdUP rows 70 and 71
+        // only: outside them the cursor goes back to the temperature.
+        e.b.state.image.sprdUP.setNumber(1, 70, 10000 + 3500);
+        e.b.state.image.sprdUP.setNumber(1, 71, 10000 + 1000);
+        e.segments->setCurrentCell(3, Seg::ColHumi); // segment 4 at 50 degrees
+        QTRY_COMPARE(e.segments->currentColumn(), int(Seg::ColTemp));
+        e.segments->setCurrentCell(1, Seg::ColHumi); // segment 2 at 30 degrees
+        QTest::qWait(20);
+        QCOMPARE(e.segments->currentColumn(), int(Seg::ColHumi));
+
         // From the pattern editor: the pattern is chosen already.
         Editor f;
         f.open(2);
