@@ -44,11 +44,11 @@ void waitMs(int ms)
 }
 
 // A control by name, or the member of a control array by its index.
-QAbstractButton *findButton(QWidget *root, const QString &spec)
+QAbstractButton *findButton(QWidget *root, const QString &step)
 {
-    const QString name = spec.section(u':', 0, 0);
-    const bool indexed = spec.contains(u':');
-    const int index = spec.section(u':', 1, 1).toInt();
+    const QString name = step.section(u':', 0, 0);
+    const bool indexed = step.contains(u':');
+    const int index = step.section(u':', 1, 1).toInt();
     for (QAbstractButton *b : root->findChildren<QAbstractButton *>(name))
         if (!indexed || b->property("Index").toInt() == index)
             return b;
@@ -151,12 +151,12 @@ int main(int argc, char **argv)
         if (taken)
             return;
         taken = true;
-        for (const QString &spec : parser.values(callOpt)) {
+        for (const QString &step : parser.values(callOpt)) {
             bool done = false;
-            QMetaObject::invokeMethod(shown, spec.section(u'=', 0, 0).toLatin1().constData(), Q_RETURN_ARG(bool, done),
-                                      Q_ARG(QString, spec.section(u'=', 1)));
+            QMetaObject::invokeMethod(shown, step.section(u'=', 0, 0).toLatin1().constData(), Q_RETURN_ARG(bool, done),
+                                      Q_ARG(QString, step.section(u'=', 1)));
             if (!done)
-                err << "call failed: " << spec << '\n';
+                err << "call failed: " << step << '\n';
         }
         QWidget *target = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : shown;
         if (target->grab().save(file)) {
@@ -176,13 +176,13 @@ int main(int argc, char **argv)
     const QStringList cells = parser.values(cellOpt);
     const QStringList clicks = parser.values(clickOpt);
     QTimer::singleShot(int(cells.size() + clicks.size() + 1) * 1000, &app, finish);
-    for (const QString &spec : cells) {
+    for (const QString &step : cells) {
         QWidget *root = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : shown;
-        auto *table = root->findChild<QTableWidget *>(spec.section(u':', 0, 0));
-        const int row = spec.section(u':', 1, 1).toInt();
-        const int col = spec.section(u':', 2, 2).toInt();
+        auto *table = root->findChild<QTableWidget *>(step.section(u':', 0, 0));
+        const int row = step.section(u':', 1, 1).toInt();
+        const int col = step.section(u':', 2, 2).toInt();
         if (!table || row < 0 || row >= table->rowCount() || col < 0 || col >= table->columnCount()) {
-            err << "no cell " << spec << '\n';
+            err << "no cell " << step << '\n';
             return 1;
         }
         table->setCurrentCell(row, col);
@@ -191,12 +191,12 @@ int main(int argc, char **argv)
             return status;
         waitMs(1000);
     }
-    for (const QString &spec : clicks) {
+    for (const QString &step : clicks) {
         QWidget *root = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : shown;
-        if (QAbstractButton *b = findButton(root, spec)) {
+        if (QAbstractButton *b = findButton(root, step)) {
             b->click();
         } else {
-            err << "no control " << spec << '\n';
+            err << "no control " << step << '\n';
             return 1;
         }
         if (taken)
