@@ -12,7 +12,10 @@
 #include "frmQM730SYS_InnerNew.h"
 #include "frmQM730_About.h"
 #include "frmQM730_History.h"
+#include "frmQM730Prg_Managemen.h"
 #include "frmQM730Prg_PTN.h"
+#include "frmQM730Prg_SEG.h"
+#include "frmQM730Prg_SEG_TS.h"
 #include "frmQM730_PTN_Recv.h"
 #include "frmQM730_RunSimple.h"
 #include "frmQM730_Set_DSave.h"
@@ -74,9 +77,9 @@ ScreenRegistry ScreenRegistry::console()
         {"frmQM730_TMon", Nothing, {}},
         // Programs.
         {"frmQM730Prg_PTN", Nothing, make<frmQM730Prg_PTN>()},
-        {"frmQM730Prg_SEG", Nothing, {}},
-        {"frmQM730Prg_SEG_TS", Nothing, {}},
-        {"frmQM730Prg_Managemen", Nothing, {}},
+        {"frmQM730Prg_SEG", Nothing, make<frmQM730Prg_SEG>()},
+        {"frmQM730Prg_SEG_TS", Nothing, make<frmQM730Prg_SEG_TS>()},
+        {"frmQM730Prg_Managemen", Nothing, make<frmQM730Prg_Managemen>()},
         {"frmQM730_PTN_Recv", Nothing, make<frmQM730_PTN_Recv>()},
         // Run settings.
         {"frmQM730Func_Run", refresh, make<frmQM730Func_Run>()},

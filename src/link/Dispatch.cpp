@@ -359,7 +359,14 @@ void CommLink::programChainStep()
         }
         break;
     case Cmd::ReadSegmentCount:
-        s.CmdState = Cmd::ReadLastSegment;
+        if (s.SegmentNo >= 1) {
+            s.CmdState = Cmd::ReadLastSegment;
+            break;
+        }
+        // A pattern left without segments has no last segment to read back
+        // (a controller refuses segment 0): the count is all there is.
+        refreshIfFlagged();
+        s.CmdState = Cmd::Poll;
         break;
     case Cmd::ReadPatternWord: case Cmd::ReadSegmentWord: case Cmd::ReadLastSegment:
         refreshIfFlagged();

@@ -10,6 +10,17 @@ QString clampedEntry(const QString &text, double low, double high, const QString
     return formatNumber(std::clamp(leadingNumber(text), low, high), pattern);
 }
 
+QTableWidgetItem *tableCell(QTableWidget *table, int row, int column)
+{
+    QTableWidgetItem *item = table->item(row, column);
+    if (!item) {
+        item = new QTableWidgetItem;
+        item->setTextAlignment(Qt::AlignCenter);
+        table->setItem(row, column, item);
+    }
+    return item;
+}
+
 CellEntry::CellEntry(QTableWidget *table) : QStyledItemDelegate(table)
 {
     table->setItemDelegate(this);

@@ -3,11 +3,15 @@
 #include <functional>
 
 class QTableWidget;
+class QTableWidgetItem;
 
 // The text of an entry held to a range and formatted with the cell's pattern
 // ("0", "0.0" ...): below the range the low bound, above it the high bound.
 // Text that is not a number counts as 0.
 QString clampedEntry(const QString &text, double low, double high, const QString &pattern);
+
+// The item of a cell of a program table, made (centred) when it has none yet.
+QTableWidgetItem *tableCell(QTableWidget *table, int row, int column);
 
 // Typing into the cells of a program table. The delegate hands every change
 // of the text to the screen as it is typed (the screen stores it in the

@@ -3,6 +3,8 @@
 #include "ProgramImage.h"
 #include "ScreenContext.h"
 #include "frmQM730_PTN_Recv.h"
+#include <QDialog>
+#include <QTimer>
 
 bool openProgramImage(ScreenContext &context, QWidget *parent)
 {
@@ -26,4 +28,16 @@ void closeProgramImage(ScreenContext &context)
 {
     saveProgramImage(context);
     context.state.ReceptionStopped = false;
+}
+
+void setUpOpeningTimers(QDialog *editor, QTimer &tmrRefresh_ID, QTimer &tmrUnload, std::function<void()> opened)
+{
+    tmrRefresh_ID.setObjectName(QStringLiteral("tmrRefresh_ID"));
+    tmrRefresh_ID.setSingleShot(true);
+    tmrRefresh_ID.setInterval(50);
+    QObject::connect(&tmrRefresh_ID, &QTimer::timeout, editor, std::move(opened));
+    tmrUnload.setObjectName(QStringLiteral("tmrUnload"));
+    tmrUnload.setSingleShot(true);
+    tmrUnload.setInterval(0);
+    QObject::connect(&tmrUnload, &QTimer::timeout, editor, &QDialog::reject);
 }

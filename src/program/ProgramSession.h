@@ -1,5 +1,9 @@
 #pragma once
 
+#include <functional>
+
+class QDialog;
+class QTimer;
 class QWidget;
 struct ScreenContext;
 
@@ -19,3 +23,8 @@ void closeProgramImage(ScreenContext &context);
 // The cache written while an editor is open (a change of start mode), unless
 // the fetch was stopped.
 void saveProgramImage(ScreenContext &context);
+
+// The two one-shot timers of an editor's opening: tmrRefresh_ID runs
+// `opened` one tick after the screen is shown (the machine number, first
+// values), tmrUnload closes the editor at once (a stopped fetch).
+void setUpOpeningTimers(QDialog *editor, QTimer &tmrRefresh_ID, QTimer &tmrUnload, std::function<void()> opened);

@@ -3,6 +3,7 @@
 #include "Files.h"
 #include "ProgramImage.h"
 #include "ScreenContext.h"
+#include <algorithm>
 
 ProgramWriter::ProgramWriter(ScreenContext &context, QTimer &tmrRefresh, QObject *parent)
     : QObject(parent), m_ctx(context), m_state(context.state),
@@ -110,4 +111,24 @@ void ProgramWriter::sendName(int pattern)
 {
     sent(pattern, 0, true);
     m_ctx.requests().writeTextRow(patternNameRow(pattern));
+}
+
+void ProgramWriter::sendSegmentCount(int pattern, int firstSegment, int lastSegment)
+{
+    sent(pattern, Pd::SegmentCount, false);
+    m_ctx.requests().writeSegmentCount(pattern, firstSegment, lastSegment,
+                                       clampWord(patternWord(m_state.image, pattern, Pd::SegmentCount)));
+}
+
+void ProgramWriter::sendPattern(int pattern)
+{
+    sent(pattern, 0, false);
+    m_ctx.requests().writePattern(pattern);
+}
+
+void ProgramWriter::sendProgram(int pattern)
+{
+    sent(pattern, 0, false);
+    const qint64 count = patternWord(m_state.image, pattern, Pd::SegmentCount);
+    m_ctx.requests().writeProgram(pattern, int(std::clamp<qint64>(count, 0, Sd::MaxSegments)));
 }

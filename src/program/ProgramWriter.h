@@ -43,6 +43,14 @@ public:
     // Words first to last of a segment as the image holds them; the last is read back.
     void sendSegmentWords(int pattern, int segment, int firstWord, int lastWord);
     void sendName(int pattern);
+    // Word 1 of a pattern (its segment count) as the image holds it, then its
+    // segments first to last; the count and the last segment are read back.
+    // With first past last only the count goes out.
+    void sendSegmentCount(int pattern, int firstSegment, int lastSegment);
+    // A whole pattern row as the image holds it, then the refresh.
+    void sendPattern(int pattern);
+    // A whole pattern with its segments 1 to its count, then read back.
+    void sendProgram(int pattern);
 
     // What the last send touched: its pattern, and the word (0 for a name).
     int changedPattern() const { return m_changedPattern; }

@@ -10,6 +10,7 @@
 #include "ProgramWriter.h"
 #include "ScreenContext.h"
 #include "ScreenLayout.h"
+#include "frmQM730Prg_SEG.h"
 #include "frmSys_AlarmCode.h"
 #include <QCheckBox>
 #include <QGroupBox>
@@ -170,9 +171,7 @@ void frmQM730Prg_PTN::buildControls()
     btn3D = named(new QCheckBox(QStringLiteral("3D")), QStringLiteral("btn3D"));
     connect(btn3D, &QCheckBox::toggled, m_curve, &ProgramCurve::set3D);
     btnGo_Segment = named(new QPushButton(QStringLiteral("程式段設定")), QStringLiteral("btnGo_Segment"));
-    // The segment editor is not part of the console yet: the button stays
-    // disabled rather than doing nothing.
-    btnGo_Segment->setEnabled(false);
+    connect(btnGo_Segment, &QPushButton::clicked, this, &frmQM730Prg_PTN::openSegments);
     btnClose = closeButton(this);
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(btn3D);
@@ -625,4 +624,13 @@ void frmQM730Prg_PTN::tmrRegraph_Timer()
         return;
     ComputeCurvePoints(m_state, p, sprdRunSeg_List);
     m_curve->DrawCurve(sprdRunSeg_List);
+}
+
+// The segments of the selected pattern; back here the refresh is this
+// screen's again, and it runs once for what changed meanwhile.
+void frmQM730Prg_PTN::openSegments()
+{
+    frmQM730Prg_SEG segments(m_ctx, this, selectedPattern(), true);
+    segments.exec();
+    tmrRefresh.start();
 }

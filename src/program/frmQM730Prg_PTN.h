@@ -102,6 +102,7 @@ private:
     void repeatFinished(int row, int column, const QString &text);
 
     void abandoned(QTableWidget *table, int row, int column);
+    void openSegments();
     QTableWidgetItem *cell(QTableWidget *table, int row, int column);
 
     ScreenContext &m_ctx;

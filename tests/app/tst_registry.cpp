@@ -17,6 +17,8 @@ namespace {
 const QMap<QString, QStringList> kOpensByDesign = {
     {"frmQM730_SysPass_Reg", {"frmQM730_SysPass_Chk"}},
     {"frmQM730Prg_PTN", {"frmQM730_PTN_Recv"}},
+    {"frmQM730Prg_SEG", {"frmQM730_PTN_Recv"}},
+    {"frmQM730Prg_Managemen", {"frmQM730_PTN_Recv"}},
 };
 
 } // namespace

@@ -1,17 +1,17 @@
 // Pictures of the console's screens for the documentation, taken against the
 // demonstration line (qm730-sim beside this program):
 //
-//   qm730-shot [--home DIR] [--protocol P] [--wait S] [--click NAME[:INDEX]]... [--cell TABLE:ROW:COL]...
-//              [--after S] --out FILE SCREEN
+//   qm730-shot [--home DIR] [--protocol P] [--wait S] [--cell TABLE:ROW:COL]...
+//              [--click NAME[:INDEX]]... [--call METHOD=ARG]... [--after S] --out FILE SCREEN
 //   qm730-shot --list
 //
 // It starts the simulated line, opens the port, waits for the scan and a few
 // polls, does what the menu does before the screen opens, shows the screen,
-// waits, clicks the named controls and then the named table cells one after
+// waits, clicks the named table cells and then the named controls one after
 // another (a second apart), waits --after seconds more (for what a click
-// started), and saves the screen as drawn. SCREEN is a name of the screen
-// registry or frmQM730_Main. Run it under Xvfb (scripts/screenshots) for the
-// fonts of a real desktop.
+// started), and saves the screen as drawn. SCREEN is a name of the screen registry or
+// frmQM730_Main. Run it under Xvfb (scripts/screenshots) for the fonts of a
+// real desktop.
 #include "ConsoleApplication.h"
 #include "ConsoleCore.h"
 #include "Demo.h"
@@ -43,11 +43,11 @@ void waitMs(int ms)
 }
 
 // A control by name, or the member of a control array by its index.
-QAbstractButton *findButton(QWidget *root, const QString &spec)
+QAbstractButton *findButton(QWidget *root, const QString &step)
 {
-    const QString name = spec.section(u':', 0, 0);
-    const bool indexed = spec.contains(u':');
-    const int index = spec.section(u':', 1, 1).toInt();
+    const QString name = step.section(u':', 0, 0);
+    const bool indexed = step.contains(u':');
+    const int index = step.section(u':', 1, 1).toInt();
     for (QAbstractButton *b : root->findChildren<QAbstractButton *>(name))
         if (!indexed || b->property("Index").toInt() == index)
             return b;
@@ -68,11 +68,12 @@ int main(int argc, char **argv)
     const QCommandLineOption protocolOpt(QStringLiteral("protocol"), QStringLiteral("Link protocol of a new folder."), QStringLiteral("P"), QStringLiteral("PC Link"));
     const QCommandLineOption waitOpt(QStringLiteral("wait"), QStringLiteral("Seconds between showing the screen and the picture."), QStringLiteral("S"), QStringLiteral("3"));
     const QCommandLineOption clickOpt(QStringLiteral("click"), QStringLiteral("A control to click after the wait (NAME or NAME:INDEX); may be repeated."), QStringLiteral("NAME"));
-    const QCommandLineOption cellOpt(QStringLiteral("cell"), QStringLiteral("A table cell to click after the controls (TABLE:ROW:COL, from 0); may be repeated."), QStringLiteral("CELL"));
+    const QCommandLineOption cellOpt(QStringLiteral("cell"), QStringLiteral("A table cell to click after the wait (TABLE:ROW:COL, from 0); may be repeated."), QStringLiteral("CELL"));
+    const QCommandLineOption callOpt(QStringLiteral("call"), QStringLiteral("Before the picture, call the screen's invokable METHOD with the text ARG (printSheetToPdf=FILE ...); may be repeated."), QStringLiteral("METHOD=ARG"));
     const QCommandLineOption afterOpt(QStringLiteral("after"), QStringLiteral("Seconds to wait after the last click."), QStringLiteral("S"), QStringLiteral("0"));
     const QCommandLineOption outOpt(QStringLiteral("out"), QStringLiteral("The PNG file to write."), QStringLiteral("FILE"));
     const QCommandLineOption listOpt(QStringLiteral("list"), QStringLiteral("List the screens that can be shown."));
-    parser.addOptions({homeOpt, protocolOpt, waitOpt, clickOpt, cellOpt, afterOpt, outOpt, listOpt});
+    parser.addOptions({homeOpt, protocolOpt, waitOpt, cellOpt, clickOpt, callOpt, afterOpt, outOpt, listOpt});
     parser.addPositionalArgument(QStringLiteral("screen"), QStringLiteral("Screen name."));
     parser.process(app);
 
@@ -134,41 +135,71 @@ int main(int argc, char **argv)
         shown = screen.get();
     }
     waitMs(int(parser.value(waitOpt).toDouble() * 1000));
-    for (const QString &spec : parser.values(clickOpt)) {
-        QWidget *root = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : shown;
-        if (QAbstractButton *b = findButton(root, spec)) {
-            b->click();
-        } else {
-            err << "no control " << spec << '\n';
-            return 1;
+
+    // The picture is taken a second after the last step. A step that opens a
+    // modal screen stays in that screen's own loop until it closes, so the
+    // picture is taken from a timer, which runs inside that loop too.
+    const QString file = parser.value(outOpt);
+    bool taken = false;
+    int status = 0;
+    auto finish = [&] {
+        if (taken)
+            return;
+        taken = true;
+        for (const QString &step : parser.values(callOpt)) {
+            bool done = false;
+            QMetaObject::invokeMethod(shown, step.section(u'=', 0, 0).toLatin1().constData(), Q_RETURN_ARG(bool, done),
+                                      Q_ARG(QString, step.section(u'=', 1)));
+            if (!done)
+                err << "call failed: " << step << '\n';
         }
-        waitMs(1000);
-    }
-    for (const QString &spec : parser.values(cellOpt)) {
+        QWidget *target = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : shown;
+        if (target->grab().save(file)) {
+            out << file << '\n';
+        } else {
+            err << "cannot write " << file << '\n';
+            status = 1;
+        }
+        out.flush();
+        core.shutdown();
+        for (QProcess *sim : core.findChildren<QProcess *>()) {
+            sim->terminate();
+            sim->waitForFinished(2000);
+        }
+        QCoreApplication::exit(status); // ends a modal screen's loop as well
+    };
+    const QStringList cells = parser.values(cellOpt);
+    const QStringList clicks = parser.values(clickOpt);
+    QTimer::singleShot(int(cells.size() + clicks.size() + 1) * 1000 + int(parser.value(afterOpt).toDouble() * 1000),
+                       &app, finish);
+    for (const QString &step : cells) {
         QWidget *root = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : shown;
-        auto *table = root->findChild<QTableWidget *>(spec.section(u':', 0, 0));
-        const int row = spec.section(u':', 1, 1).toInt();
-        const int col = spec.section(u':', 2, 2).toInt();
-        if (!table || row >= table->rowCount() || col >= table->columnCount()) {
-            err << "no cell " << spec << '\n';
+        auto *table = root->findChild<QTableWidget *>(step.section(u':', 0, 0));
+        const int row = step.section(u':', 1, 1).toInt();
+        const int col = step.section(u':', 2, 2).toInt();
+        if (!table || row < 0 || row >= table->rowCount() || col < 0 || col >= table->columnCount()) {
+            err << "no cell " << step << '\n';
             return 1;
         }
         table->setCurrentCell(row, col);
         emit table->cellClicked(row, col);
+        if (taken)
+            return status;
         waitMs(1000);
     }
-    waitMs(int(parser.value(afterOpt).toDouble() * 1000));
-    QWidget *target = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : shown;
-    const QString file = parser.value(outOpt);
-    if (!target->grab().save(file)) {
-        err << "cannot write " << file << '\n';
-        return 1;
+    for (const QString &step : clicks) {
+        QWidget *root = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : shown;
+        if (QAbstractButton *b = findButton(root, step)) {
+            b->click();
+        } else {
+            err << "no control " << step << '\n';
+            return 1;
+        }
+        if (taken)
+            return status;
+        waitMs(1000);
     }
-    out << file << '\n';
-    core.shutdown();
-    for (QProcess *sim : core.findChildren<QProcess *>()) {
-        sim->terminate();
-        sim->waitForFinished(2000);
-    }
-    return 0;
+    if (!taken)
+        app.exec(); // until the picture is taken
+    return status;
 }
