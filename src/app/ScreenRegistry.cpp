@@ -3,13 +3,17 @@
 #include "Recorder.h"
 #include "ScreenContext.h"
 #include "frmQM730_About.h"
+#include "frmQM730_DataInput.h"
 #include "frmQM730_History.h"
+#include "frmQM730_RunMulti.h"
 #include "frmQM730_RunSimple.h"
 #include "frmQM730_Set_DSave.h"
 #include "frmQM730_Set_EMail.h"
+#include "frmQM730_Set_Multi.h"
 #include "frmQM730_Set_Port.h"
 #include "frmQM730_SysPass_Chk.h"
 #include "frmQM730_SysPass_Reg.h"
+#include "frmQM730_TMon.h"
 #include "frmSelectFolder.h"
 #include "frmSys_AlarmCode.h"
 #include <QDialog>
@@ -32,7 +36,7 @@ ScreenRegistry ScreenRegistry::console()
     r.m_entries = {
         // Local settings.
         {"frmQM730_Set_Port", Nothing, make<frmQM730_Set_Port>()},
-        {"frmQM730_Set_Multi", Nothing, {}},
+        {"frmQM730_Set_Multi", Nothing, make<frmQM730_Set_Multi>()},
         {"frmQM730_Set_DSave", Nothing,
          [](ScreenContext &c, QWidget *parent) {
              auto screen = std::make_unique<frmQM730_Set_DSave>(c, parent);
@@ -53,9 +57,9 @@ ScreenRegistry ScreenRegistry::console()
         {"frmQM730Online_DateTime", refresh, {}},
         {"frmQM730Online_Screen", Nothing, {}},
         {"frmQM730_RunSimple", refresh | ReadParameters, make<frmQM730_RunSimple>()},
-        {"frmQM730_RunMulti", Nothing, {}},
-        {"frmQM730_DataInput", Nothing, {}},
-        {"frmQM730_TMon", Nothing, {}},
+        {"frmQM730_RunMulti", Nothing, make<frmQM730_RunMulti>()},
+        {"frmQM730_DataInput", Nothing, make<frmQM730_DataInput>()},
+        {"frmQM730_TMon", Nothing, make<frmQM730_TMon>()},
         // Programs.
         {"frmQM730Prg_PTN", Nothing, {}},
         {"frmQM730Prg_SEG", Nothing, {}},
