@@ -30,6 +30,7 @@ frmQM730_DataInput::frmQM730_DataInput(ScreenContext &context, QWidget *parent) 
     main->addLayout(grid);
     main->addLayout(okCancelRow(this, &btnOK, &btnCancel, false));
     noDefaultButtons(this);
+    setMinimumWidth(280);
 
     // Leaving the field clamps it; Enter clamps and confirms.
     m_entry = new EntryBinding(txtNew, this);

@@ -70,7 +70,7 @@ frmQM730_RunMulti::frmQM730_RunMulti(ScreenContext &context, QWidget *parent)
     main->addWidget(sprdMulti, 1);
     main->addLayout(bottom);
     noDefaultButtons(this);
-    resize(1360, 640);
+    resize(1440, 640);
 
     Timer1.setObjectName(QStringLiteral("Timer1"));
     Timer1.setInterval(50);
@@ -144,7 +144,7 @@ void frmQM730_RunMulti::buildSheet()
     m_drawn = QVector<RowSource>(rows);
     m_linkShown = QVector<int>(rows, -1);
 
-    const int widths[ColumnCount] = {70, 70, 64, 70, 64, 52, 52, 52, 52, 52, 52, 64, 64, 64, 64, 68, 68, 68, 68, 96, 64, 64};
+    const int widths[ColumnCount] = {70, 64, 56, 64, 56, 48, 48, 48, 48, 48, 48, 62, 62, 62, 62, 62, 62, 64, 64, 90, 58, 58};
     for (int c = 0; c < ColumnCount; ++c)
         sprdMulti->setColumnWidth(c, widths[c]);
 }

@@ -98,7 +98,7 @@ frmQM730_TMon::frmQM730_TMon(ScreenContext &context, QWidget *parent)
     main->addWidget(sprdList, 1);
     main->addLayout(bottom);
     noDefaultButtons(this);
-    resize(1100, 720);
+    resize(1200, 720);
 
     tmrRefresh.setObjectName(QStringLiteral("tmrRefresh"));
     tmrRefresh.setInterval(500);
@@ -158,7 +158,7 @@ void frmQM730_TMon::buildSheet()
     m_sheet->flush();
     m_drawn = QVector<RowSource>(slotCount);
     m_linkShown = QVector<int>(slotCount, -1);
-    const int widths[ColumnCount] = {150, 190, 120, 16, 150, 16, 160, 120, 16, 130};
+    const int widths[ColumnCount] = {150, 180, 130, 12, 160, 30, 150, 130, 12, 130};
     for (int c = 0; c < ColumnCount; ++c)
         sprdList->setColumnWidth(c, widths[c]);
 }

@@ -1,13 +1,16 @@
 // Pictures of the console's screens for the documentation, taken against the
 // demonstration line (qm730-sim beside this program):
 //
-//   qm730-shot [--home DIR] [--protocol P] [--wait S] [--click NAME[:INDEX]]... --out FILE SCREEN
+//   qm730-shot [--home DIR] [--protocol P] [--wait S] [--click NAME[:INDEX]]...
+//              [--via OPENER --cell SHEET:ROW:COL[:double]] --out FILE SCREEN
 //   qm730-shot --list
 //
 // It starts the simulated line, opens the port, waits for the scan and a few
 // polls, does what the menu does before the screen opens, shows the screen,
 // waits, clicks the named controls one after another (a second apart), and
-// saves the screen as drawn. SCREEN is a name of the screen registry or
+// saves the screen as drawn. A screen that another screen opens (a dialog
+// asked from a sheet) is taken with --via, the screen shown first, and
+// --cell, the click on its sheet that opens it. SCREEN is a name of the screen registry or
 // frmQM730_Main. Run it under Xvfb (scripts/screenshots) for the fonts of a
 // real desktop.
 #include "ConsoleCore.h"
@@ -25,6 +28,8 @@
 #include <QLibraryInfo>
 #include <QProcess>
 #include <QStringList>
+#include <QTableView>
+#include <QTest>
 #include <QTemporaryDir>
 #include <QTextStream>
 #include <QTimer>
@@ -73,7 +78,9 @@ int main(int argc, char **argv)
     const QCommandLineOption clickOpt(QStringLiteral("click"), QStringLiteral("A control to click after the wait (NAME or NAME:INDEX); may be repeated."), QStringLiteral("NAME"));
     const QCommandLineOption outOpt(QStringLiteral("out"), QStringLiteral("The PNG file to write."), QStringLiteral("FILE"));
     const QCommandLineOption listOpt(QStringLiteral("list"), QStringLiteral("List the screens that can be shown."));
-    parser.addOptions({homeOpt, protocolOpt, waitOpt, clickOpt, outOpt, listOpt});
+    const QCommandLineOption viaOpt(QStringLiteral("via"), QStringLiteral("Show this screen first; SCREEN is what it opens."), QStringLiteral("OPENER"));
+    const QCommandLineOption cellOpt(QStringLiteral("cell"), QStringLiteral("Click a cell of a sheet after the wait (SHEET:ROW:COL, \":double\" for a double click)."), QStringLiteral("CELL"));
+    parser.addOptions({homeOpt, protocolOpt, waitOpt, clickOpt, viaOpt, cellOpt, outOpt, listOpt});
     parser.addPositionalArgument(QStringLiteral("screen"), QStringLiteral("Screen name."));
     parser.process(app);
 
@@ -119,13 +126,14 @@ int main(int argc, char **argv)
 
     QWidget *shown = &main;
     std::unique_ptr<QDialog> screen;
-    if (name != QLatin1String("frmQM730_Main")) {
-        const ScreenRegistry::Entry *entry = screens.find(name);
+    const QString first = parser.isSet(viaOpt) ? parser.value(viaOpt) : name;
+    if (first != QLatin1String("frmQM730_Main")) {
+        const ScreenRegistry::Entry *entry = screens.find(first);
         if (!entry || !entry->make) {
-            err << "no such screen: " << name << '\n';
+            err << "no such screen: " << first << '\n';
             return 2;
         }
-        screens.prepare(name, core.context());
+        screens.prepare(first, core.context());
         screen = entry->make(core.context(), &main);
         if (!screen) {
             err << "the screen made nothing to show\n";
@@ -143,6 +151,21 @@ int main(int argc, char **argv)
             err << "no control " << spec << '\n';
             return 1;
         }
+        waitMs(1000);
+    }
+    for (const QString &cellText : parser.values(cellOpt)) {
+        const QStringList parts = cellText.split(u':');
+        auto *sheet = parts.size() >= 3 ? shown->findChild<QTableView *>(parts[0]) : nullptr;
+        if (!sheet) {
+            err << "no sheet " << cellText << '\n';
+            return 1;
+        }
+        const QModelIndex index = sheet->model()->index(parts[1].toInt() - 1, parts[2].toInt() - 1);
+        sheet->scrollTo(index);
+        const QPoint at = sheet->visualRect(index).center();
+        QTest::mouseClick(sheet->viewport(), Qt::LeftButton, {}, at);
+        if (parts.value(3) == QLatin1String("double"))
+            QTest::mouseDClick(sheet->viewport(), Qt::LeftButton, {}, at);
         waitMs(1000);
     }
     QWidget *target = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : shown;
