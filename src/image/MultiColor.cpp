@@ -3,10 +3,6 @@
 #include <QFile>
 
 namespace {
-// More than any list of 999 machines can need: a larger file is damaged, and
-// only its beginning is looked at.
-constexpr qint64 MaxBytes = 256 * 1024;
-
 int colourValue(const QString &field)
 {
     return std::clamp(leadingInt(field), 0, 0xFFFFFF);
@@ -18,7 +14,12 @@ MultiColors readMultiColor(const QString &path)
     QFile f(path);
     if (!f.open(QIODevice::ReadOnly))
         return {};
-    const QString text = decodeSettingsText(f.read(MaxBytes));
+    return parseMultiColor(f.read(MultiColor::MaxBytes));
+}
+
+MultiColors parseMultiColor(const QByteArray &bytes)
+{
+    const QString text = decodeSettingsText(bytes.left(MultiColor::MaxBytes));
     MultiColors out;
     for (QStringView line : QStringView(text).split(u'\n')) {
         if (out.size() >= MultiColor::MaxLines)
@@ -39,10 +40,15 @@ MultiColors readMultiColor(const QString &path)
     return out;
 }
 
-bool writeMultiColor(const QString &path, const QVector<BlockColours> &blocks)
+QStringList multiColorLines(const QVector<BlockColours> &blocks)
 {
     QStringList lines;
     for (const BlockColours &b : blocks)
         lines << QStringLiteral("%1,%2,%3,%4").arg(b.tempBack).arg(b.tempFore).arg(b.humiBack).arg(b.humiFore);
-    return writeTextLinesAtomic(path, lines);
+    return lines;
+}
+
+bool writeMultiColor(const QString &path, const QVector<BlockColours> &blocks)
+{
+    return writeTextLinesAtomic(path, multiColorLines(blocks));
 }
