@@ -9,7 +9,7 @@ bool inRange(int colour)
 }
 } // namespace
 
-int fuzzMultiColor(const uint8_t *data, size_t size)
+int fuzzMultiColorCfg(const uint8_t *data, size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
     const MultiColors read = parseMultiColor(bytes);

@@ -6,4 +6,4 @@
 // entry falls outside the colour range, when there are more entries than the
 // board can use, or when the colours read do not come back the same after
 // being written out and read again.
-int fuzzMultiColor(const uint8_t *data, size_t size);
+int fuzzMultiColorCfg(const uint8_t *data, size_t size);

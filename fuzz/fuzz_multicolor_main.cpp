@@ -3,5 +3,5 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    return fuzzMultiColor(data, size);
+    return fuzzMultiColorCfg(data, size);
 }

@@ -2,6 +2,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QStyleOptionHeader>
+#include <QTableView>
 
 GroupHeaderView::GroupHeaderView(QWidget *parent) : QHeaderView(Qt::Horizontal, parent)
 {
@@ -82,4 +83,18 @@ void GroupHeaderView::paintEvent(QPaintEvent *event)
         if (rect.intersects(event->rect()))
             drawHead(&p, rect, g.title);
     }
+}
+
+QTableView *groupedSheet(const QString &name, QAbstractItemModel *model, GroupHeaderView **header)
+{
+    auto *view = new QTableView;
+    view->setObjectName(name);
+    *header = new GroupHeaderView(view);
+    view->setHorizontalHeader(*header);
+    view->setModel(model);
+    view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    view->setSelectionMode(QAbstractItemView::NoSelection);
+    view->setFocusPolicy(Qt::NoFocus);
+    view->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    return view;
 }

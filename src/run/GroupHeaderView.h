@@ -2,6 +2,9 @@
 #include <QHeaderView>
 #include <QVector>
 
+class QAbstractItemModel;
+class QTableView;
+
 // A horizontal header of two lines: groups of columns under one upper head,
 // each column with its own lower head (the model's header text). A group
 // whose columns have no lower heads takes the whole height.
@@ -30,3 +33,7 @@ private:
 
     QVector<Group> m_groups;
 };
+
+// A sheet over a model under a grouped head, for looking and clicking only:
+// no editing, no selection, no focus. Its head is given back in `header`.
+QTableView *groupedSheet(const QString &name, QAbstractItemModel *model, GroupHeaderView **header);

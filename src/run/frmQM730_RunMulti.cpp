@@ -47,15 +47,8 @@ frmQM730_RunMulti::frmQM730_RunMulti(ScreenContext &context, QWidget *parent)
     setWindowTitle(QStringLiteral("多機操作"));
 
     m_sheet = new SheetModel(ColumnCount, this);
-    sprdMulti = named(new QTableView, QStringLiteral("sprdMulti"));
-    m_header = new GroupHeaderView(sprdMulti);
-    sprdMulti->setHorizontalHeader(m_header);
-    sprdMulti->setModel(m_sheet);
-    sprdMulti->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    sprdMulti->setSelectionMode(QAbstractItemView::NoSelection);
-    sprdMulti->setFocusPolicy(Qt::NoFocus);
+    sprdMulti = groupedSheet(QStringLiteral("sprdMulti"), m_sheet, &m_header);
     sprdMulti->verticalHeader()->setDefaultSectionSize(26);
-    sprdMulti->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     connect(sprdMulti, &QTableView::clicked, this,
             [this](const QModelIndex &i) { sprdMulti_Click(i.row() + 1, i.column() + 1); });
     connect(sprdMulti, &QTableView::doubleClicked, this,

@@ -68,17 +68,10 @@ frmQM730_TMon::frmQM730_TMon(ScreenContext &context, QWidget *parent)
     setWindowTitle(QStringLiteral("多機監控"));
 
     m_sheet = new SheetModel(ColumnCount, this);
-    sprdList = named(new QTableView, QStringLiteral("sprdList"));
-    m_header = new GroupHeaderView(sprdList);
-    sprdList->setHorizontalHeader(m_header);
-    sprdList->setModel(m_sheet);
     // A wall display: nothing to select, nothing to edit.
-    sprdList->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    sprdList->setSelectionMode(QAbstractItemView::NoSelection);
-    sprdList->setFocusPolicy(Qt::NoFocus);
+    sprdList = groupedSheet(QStringLiteral("sprdList"), m_sheet, &m_header);
     sprdList->setShowGrid(false);
     sprdList->verticalHeader()->hide();
-    sprdList->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     sprdList->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(sprdList, &QWidget::customContextMenuRequested, this, &frmQM730_TMon::showMenu);
 

@@ -48,14 +48,14 @@ private slots:
 
     void fuzzCorpusRunsThrough()
     {
-        const QDir dir(qEnvironmentVariable("QM730_SOURCE") + QStringLiteral("/fuzz/corpus_multicolor"));
+        const QDir dir(qEnvironmentVariable("QM730_SOURCE") + QStringLiteral("/fuzz/corpus/multicolor_cfg"));
         const QStringList names = dir.entryList(QDir::Files);
         QVERIFY2(names.size() >= 5, qPrintable(dir.path()));
         for (const QString &name : names) {
             QFile f(dir.filePath(name));
             QVERIFY(f.open(QIODevice::ReadOnly));
             const QByteArray input = f.readAll();
-            QCOMPARE(fuzzMultiColor(reinterpret_cast<const uint8_t *>(input.constData()), size_t(input.size())), 0);
+            QCOMPARE(fuzzMultiColorCfg(reinterpret_cast<const uint8_t *>(input.constData()), size_t(input.size())), 0);
         }
     }
 };
