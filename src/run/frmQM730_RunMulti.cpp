@@ -198,7 +198,7 @@ void frmQM730_RunMulti::drawRow(int slot)
     m_sheet->setText(row, ColHumiSV, value(rcv.isRead(Rcv::HumiSV), humiSvText(rcv.word(Rcv::HumiSV))));
     const bool modeRead = rcv.isRead(Rcv::RunMode);
     setLamp(row, ColProgram, modeRead && rcv.word(Rcv::RunMode) == 0);
-    setLamp(row, ColFixed, modeRead && rcv.word(Rcv::RunMode) != 0);
+    setLamp(row, ColFixed, modeRead && rcv.word(Rcv::RunMode) == 1);
     setLamp(row, ColRun, rrpRead(Rrp::Run) && rrp(Rrp::Run) > 0);
     setLamp(row, ColStop, rrpRead(Rrp::Run) && rrp(Rrp::Run) == 0);
     setLamp(row, ColHold, rrp(Rrp::Hold) > 0);
