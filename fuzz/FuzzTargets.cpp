@@ -1,3 +1,4 @@
+#include "FuzzMultiColor.h"
 #include "FuzzTargets.h"
 #include <cstring>
 
@@ -9,7 +10,7 @@ const FuzzTarget kFuzzTargets[] = {
     {"run_ini", fuzzRunIni},
     {"savedata_ini", fuzzSaveDataIni},
     {"setemail_cfg", fuzzSetEMailCfg},
-    // multicolor_cfg (CFG/MultiColor.CFG): the status board's reader is not written yet.
+    {"multicolor_cfg", fuzzMultiColorCfg},
     {"program_cache", fuzzProgramCache},
     {"ptn_recv_opt", fuzzPtnRecvOpt},
     {"id_ini", fuzzIdIni},

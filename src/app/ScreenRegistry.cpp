@@ -11,15 +11,18 @@
 #include "frmQM730SYS_ETC.h"
 #include "frmQM730SYS_InnerNew.h"
 #include "frmQM730_About.h"
+#include "frmQM730_DataInput.h"
 #include "frmQM730_History.h"
 #include "frmQM730Prg_Managemen.h"
 #include "frmQM730Prg_PTN.h"
 #include "frmQM730Prg_SEG.h"
 #include "frmQM730Prg_SEG_TS.h"
 #include "frmQM730_PTN_Recv.h"
+#include "frmQM730_RunMulti.h"
 #include "frmQM730_RunSimple.h"
 #include "frmQM730_Set_DSave.h"
 #include "frmQM730_Set_EMail.h"
+#include "frmQM730_Set_Multi.h"
 #include "frmQM730_Set_Port.h"
 #include "frmQM730Online_DateTime.h"
 #include "frmQM730Online_Screen.h"
@@ -29,6 +32,7 @@
 #include "frmQM730SYS_PID.h"
 #include "frmQM730SYS_Revision.h"
 #include "frmQM730SYS_Sensor.h"
+#include "frmQM730_TMon.h"
 #include "frmSelectFolder.h"
 #include "frmSys_AlarmCode.h"
 #include <QDialog>
@@ -51,7 +55,7 @@ ScreenRegistry ScreenRegistry::console()
     r.m_entries = {
         // Local settings.
         {"frmQM730_Set_Port", Nothing, make<frmQM730_Set_Port>()},
-        {"frmQM730_Set_Multi", Nothing, {}},
+        {"frmQM730_Set_Multi", Nothing, make<frmQM730_Set_Multi>()},
         {"frmQM730_Set_DSave", Nothing,
          [](ScreenContext &c, QWidget *parent) {
              auto screen = std::make_unique<frmQM730_Set_DSave>(c, parent);
@@ -72,9 +76,9 @@ ScreenRegistry ScreenRegistry::console()
         {"frmQM730Online_DateTime", refresh, make<frmQM730Online_DateTime>()},
         {"frmQM730Online_Screen", Nothing, make<frmQM730Online_Screen>()},
         {"frmQM730_RunSimple", refresh | ReadParameters, make<frmQM730_RunSimple>()},
-        {"frmQM730_RunMulti", Nothing, {}},
-        {"frmQM730_DataInput", Nothing, {}},
-        {"frmQM730_TMon", Nothing, {}},
+        {"frmQM730_RunMulti", Nothing, make<frmQM730_RunMulti>()},
+        {"frmQM730_DataInput", Nothing, make<frmQM730_DataInput>()},
+        {"frmQM730_TMon", Nothing, make<frmQM730_TMon>()},
         // Programs.
         {"frmQM730Prg_PTN", Nothing, make<frmQM730Prg_PTN>()},
         {"frmQM730Prg_SEG", Nothing, make<frmQM730Prg_SEG>()},

@@ -206,6 +206,7 @@ frmQM730_Main::frmQM730_Main(ConsoleCore &core, ScreenRegistry screens, QWidget 
     picSys->setEnabled(false);
     if (s.CurrentMachine > 0)
         lblMC_No->setText(QString::number(s.CurrentMachine));
+    showMonitorMode();
     resize(1024, 700);
 }
 
@@ -379,6 +380,7 @@ void frmQM730_Main::connectLink()
         shpRecv->setFillColor(TextTable::Black);
     });
     connect(&m_core.tmrRefresh, &QTimer::timeout, this, &frmQM730_Main::refreshMachineTable);
+    connect(&s, &ConsoleState::machineListChanged, this, &frmQM730_Main::showMonitorMode);
 
     connect(m_items[QStringLiteral("mHelpCommData")], &QAction::toggled, picCommData, &QWidget::setVisible);
 }
@@ -529,6 +531,15 @@ void frmQM730_Main::lightLamp(ActivityLamp *lamp, QTimer &timer, int color)
 void frmQM730_Main::refreshMachineTable()
 {
     m_statusModel->refresh();
+}
+
+void frmQM730_Main::showMonitorMode()
+{
+    // The multi-chamber console belongs to multi mode.
+    const bool multi = m_core.state().MultiMode;
+    m_items[QStringLiteral("mOnlineRunMulti")]->setVisible(multi);
+    m_buttons[17]->setVisible(multi);
+    refreshMachineTable();
 }
 
 void frmQM730_Main::showScanMessage(bool visible)

@@ -62,6 +62,8 @@ private:
     void showScanMessage(bool visible);
     void placeScanMessage();
     void refreshMachineTable();
+    // Multi or single mode: the multi-chamber console is offered in multi mode only.
+    void showMonitorMode();
     void lightLamp(ActivityLamp *lamp, QTimer &timer, int color);
 
     ConsoleCore &m_core;

@@ -1,5 +1,6 @@
 #include "ConsoleCore.h"
 #include "Files.h"
+#include "MachineListChange.h"
 #include "ProgramImage.h"
 #include "QtCommPort.h"
 #include "Recorder.h"
@@ -60,9 +61,7 @@ ConsoleCore::StartResult ConsoleCore::start()
 
 void ConsoleCore::loadMachineList()
 {
-    const MachineList list = Get_RunCFG(m_state.home);
-    m_state.MultiMode = list.multiMode;
-    m_state.setMachines(list.machines);
+    applyMachineList(m_state, *m_link, Get_RunCFG(m_state.home));
 }
 
 ConsoleCore::PortAction ConsoleCore::togglePort()

@@ -44,11 +44,19 @@ bool startDemoLine(const QString &home, QObject *owner, QString *error)
         protocol = cfg->at(5);
         baud = cfg->at(1);
     }
+    // Chamber 1 runs pattern 1 from its first segment, so that the consoles
+    // and the status board have something moving; chamber 2 waits in fixed
+    // mode, chamber 3 in program mode.
+    const QString script = programPath(home, QStringLiteral("sim-start.txt"));
+    writeTextLinesAtomic(script, {QStringLiteral("set 1 up 1 0"), QStringLiteral("set 1 rrp 8 1"),
+                                  QStringLiteral("set 1 rrp 9 1"), QStringLiteral("set 1 rrp 1 1"),
+                                  QStringLiteral("set 2 up 1 1"), QStringLiteral("set 3 up 1 0")});
     auto *proc = new QProcess(owner);
     proc->setProgram(sim);
     proc->setArguments({QStringLiteral("--link"), line, QStringLiteral("--machines"), QStringLiteral("1,2,3:2.09"),
                         QStringLiteral("--protocol"), protocol, QStringLiteral("--baud"), baud,
-                        QStringLiteral("--control"), programPath(home, QStringLiteral("sim-control"))});
+                        QStringLiteral("--control"), programPath(home, QStringLiteral("sim-control")),
+                        QStringLiteral("--script"), script});
     proc->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     // The simulator ends with the console, however the console ends.
     proc->setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });

@@ -159,6 +159,39 @@ void CommLink::reopenTick()
     beginScan();
 }
 
+void CommLink::restartScan()
+{
+    if (!m_port.isOpen())
+        return;
+    tmrSend.stop();
+    tmrRecvErr.stop();
+    m_settleTimer.stop();
+    m_writeWaitTimer.stop();
+    m_settling = false;
+    m_writeWait = false;
+    m_pendingBytes = false;
+    m_writeWaitAfterDispatch = 0;
+    m_port.clearInput();
+    m_buf.clear();
+    ConsoleState &s = m_st;
+    s.RetryCount = 0;
+    s.ReqCmd = 0;
+    s.CurrentMachine = 0;
+    s.NextPollSlot = -1;
+    s.PollSlot = 0;
+    s.CmdState = Cmd::Who;
+    s.RefreshOnOpen = true;
+    s.bulkJob = BulkJob::None;
+    s.BulkFormName.clear();
+    for (int row = 1; row <= s.sprdStatus.rowCount(); ++row)
+        s.sprdStatus.setColor(2, row, TextTable::White);
+    emit machineTableChanged();
+    emit currentMachineShown(0);
+    emit scanMessageVisible(true);
+    emit linkEvent(QStringLiteral("machine list changed: scanning %1 machine(s)").arg(s.machines.size()));
+    tmrSend.start();
+}
+
 int CommLink::baudTimeoutExtra(const QString &baud)
 {
     static const struct { const char *baud; int extra; } table[] = {

@@ -39,6 +39,12 @@ public:
     QString lastOpenError() const { return m_lastOpenError; }
     CommPort::OpenResult lastOpenResult() const { return m_lastOpenResult; }
 
+    // The machine list changed. With the port open, the exchange in progress
+    // is dropped (a late reply must not land in the slot that now holds
+    // another machine) and the new list is scanned from its first slot, as at
+    // opening. With the port closed nothing happens: opening scans.
+    void restartScan();
+
     // The reply time-out, fixed once at start-up from CommBaud and CommWaitMs.
     void setReplyTimeoutFromBaud();
     int replyTimeoutMs() const { return tmrRecvErr.interval(); }

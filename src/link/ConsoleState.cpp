@@ -64,6 +64,13 @@ void ConsoleState::setMachines(const QVector<MachineSlot> &slotList)
     image.clearLoadedFlags();
 }
 
+void ConsoleState::setMachineList(bool multiMode, const QVector<MachineSlot> &slotList)
+{
+    MultiMode = multiMode;
+    setMachines(slotList);
+    emit machineListChanged();
+}
+
 void ConsoleState::countComm(int slot, int column)
 {
     const int row = slot + 1;

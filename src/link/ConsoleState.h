@@ -9,6 +9,9 @@
 #include <QTimer>
 #include <QVector>
 
+// Machine numbers on the line run from 1 to this.
+constexpr int MaxMachineNumber = 999;
+
 // One chamber controller on the line, by its place in the machine list.
 struct MachineSlot {
     int MachineNumber = 0;
@@ -62,6 +65,8 @@ public:
     void setCurrentMachine(int machine);
     int slotOfMachine(int machineNumber) const; // -1 if not in the list
     void setMachines(const QVector<MachineSlot> &slots);
+    // A new machine list in force: the mode and the slots, then machineListChanged().
+    void setMachineList(bool multiMode, const QVector<MachineSlot> &slots);
 
     // The machine table shown on the main screen (row = slot + 1) and the link counters.
     TextTable sprdStatus{QStringLiteral("sprdStatus"), 3, 0};
@@ -130,6 +135,7 @@ public:
 
 signals:
     void statusPanelChanged(int panel, const QString &text);
+    void machineListChanged();
 
 private:
     QString m_panels[7];

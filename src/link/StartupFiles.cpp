@@ -37,35 +37,57 @@ bool writeCommPortCfg(const QString &home, const QStringList &sevenLines)
     return writeTextLinesAtomic(programPath(home, QStringLiteral("\\CommPort.CFG")), sevenLines);
 }
 
+std::optional<RunCfg> readRunCfg(const QString &home)
+{
+    const auto lines = readTextLines(programPath(home, QStringLiteral("\\CFG\\Run.INI")));
+    if (!lines || lines->isEmpty())
+        return std::nullopt;
+    const QStringList &l = *lines;
+    RunCfg cfg;
+    cfg.multiMode = l[0] == QStringLiteral("多機");
+    if (l.size() > 1) {
+        const int n = leadingInt(l[1]);
+        if (n >= 1 && n <= MaxMachineNumber)
+            cfg.singleMachine = n;
+    }
+    const int last = int(std::min<qsizetype>(l.size(), 2 + MaxMachineNumber));
+    for (int i = 2; i < last; ++i) {
+        const QStringList fields = l[i].split(u'\t');
+        cfg.lines.append({fields[0] == QLatin1String("O"), fields.value(1)});
+    }
+    return cfg;
+}
+
+MachineList machineListOf(const RunCfg &cfg)
+{
+    MachineList list;
+    list.multiMode = cfg.multiMode;
+    list.singleMachine = cfg.singleMachine;
+    if (!cfg.multiMode) {
+        list.machines = {MachineSlot{cfg.singleMachine}};
+        return list;
+    }
+    for (int i = 0; i < cfg.lines.size(); ++i) {
+        if (!cfg.lines[i].first)
+            continue;
+        MachineSlot m;
+        m.MachineNumber = i + 1;
+        m.MachineName = cfg.lines[i].second;
+        list.machines << m;
+    }
+    return list;
+}
+
 MachineList Get_RunCFG(const QString &home)
 {
     QDir().mkpath(programPath(home, QStringLiteral("\\CFG")));
-    MachineList list;
-    const auto lines = readTextLines(programPath(home, QStringLiteral("\\CFG\\Run.INI")));
-    if (!lines || lines->isEmpty()) {
-        WriteErrorLog(home, 53, QStringLiteral("File not found: CFG/Run.INI"), QStringLiteral("Get_RunCFG"));
+    const std::optional<RunCfg> cfg = readRunCfg(home);
+    MachineList list = cfg ? machineListOf(*cfg) : MachineList{};
+    if (!cfg || list.machines.isEmpty()) {
+        WriteErrorLog(home, 53, cfg ? QStringLiteral("No machine in use: CFG/Run.INI") : QStringLiteral("File not found: CFG/Run.INI"),
+                      QStringLiteral("Get_RunCFG"));
+        list = MachineList{};
         list.machines = {MachineSlot{1}};
-        return list;
-    }
-    const QStringList &l = *lines;
-    list.multiMode = l[0] == QStringLiteral("多機");
-    if (l.size() > 1) {
-        const int n = leadingInt(l[1]);
-        if (n >= 1 && n <= 999)
-            list.singleMachine = n;
-    }
-    if (!list.multiMode) {
-        list.machines = {MachineSlot{list.singleMachine}};
-        return list;
-    }
-    for (int i = 2; i < l.size() && i - 1 <= 999; ++i) {
-        const QStringList fields = l[i].split(u'\t');
-        if (fields[0] != QLatin1String("O"))
-            continue;
-        MachineSlot m;
-        m.MachineNumber = i - 1;
-        m.MachineName = fields.size() > 1 ? fields[1] : QString();
-        list.machines << m;
     }
     return list;
 }
@@ -74,8 +96,12 @@ bool Put_RunCFG(const QString &home, bool multiMode, int singleMachine, const QV
 {
     QStringList out;
     out << (multiMode ? QStringLiteral("多機") : QStringLiteral("單機")) << QString::number(singleMachine);
-    for (const auto &line : lines)
-        out << (line.first ? QStringLiteral("O") : QString()) + u'\t' + line.second;
+    for (const auto &line : lines) {
+        // A label is one field of one line.
+        QString label = line.second;
+        label.replace(u'\t', u' ').replace(u'\r', u' ').replace(u'\n', u' ');
+        out << (line.first ? QStringLiteral("O") : QString()) + u'\t' + label;
+    }
     QDir().mkpath(programPath(home, QStringLiteral("\\CFG")));
     const bool ok = writeTextLinesAtomic(programPath(home, QStringLiteral("\\CFG\\Run.INI")), out);
     if (!ok)

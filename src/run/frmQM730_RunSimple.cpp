@@ -14,8 +14,8 @@
 #include "ScreenContext.h"
 #include "ScreenLayout.h"
 #include "ShellOpen.h"
+#include "SaveSettingsPanel.h"
 #include "TrendChart.h"
-#include "frmQM730_Set_DSave.h"
 #include <QCheckBox>
 #include <QFileInfo>
 #include <QGridLayout>
@@ -177,9 +177,6 @@ void frmQM730_RunSimple::buildControls()
     connect(&tmrPreDate, &QTimer::timeout, this, &frmQM730_RunSimple::tmrPreDate_Timer);
     setUpRefreshTimer(tmrRefresh);
     connect(&tmrRefresh, &QTimer::timeout, this, &frmQM730_RunSimple::tmrRefresh_Timer);
-    tmrRefresh_CFG.setObjectName(QStringLiteral("tmrRefresh_CFG"));
-    tmrRefresh_CFG.setInterval(50);
-    connect(&tmrRefresh_CFG, &QTimer::timeout, this, &frmQM730_RunSimple::tmrRefresh_CFG_Timer);
 }
 
 QWidget *frmQM730_RunSimple::buildControlPage()
@@ -497,30 +494,12 @@ QWidget *frmQM730_RunSimple::buildGraphPage()
 
 QWidget *frmQM730_RunSimple::buildSaveSettings()
 {
-    auto *box = new QGroupBox(QStringLiteral("數據儲存"));
-    auto *h = new QHBoxLayout(box);
-    sprdSaveCFG = named(new QTableWidget(1, 5), QStringLiteral("sprdSaveCFG"));
-    sprdSaveCFG->setHorizontalHeaderLabels({QStringLiteral("儲存"), QStringLiteral("記錄間隔"), QStringLiteral("單位"),
-                                            QStringLiteral("儲存路徑"), QStringLiteral("檔案名稱")});
-    sprdSaveCFG->verticalHeader()->hide();
-    sprdSaveCFG->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    sprdSaveCFG->setSelectionMode(QAbstractItemView::NoSelection);
-    sprdSaveCFG->setFocusPolicy(Qt::NoFocus);
-    sprdSaveCFG->horizontalHeader()->setSectionResizeMode(3, QHeaderView::Stretch);
-    sprdSaveCFG->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    sprdSaveCFG->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    sprdSaveCFG->setFixedHeight(sprdSaveCFG->horizontalHeader()->sizeHint().height() + sprdSaveCFG->rowHeight(0) + 4);
-    for (int c = 0; c < 5; ++c)
-        sprdSaveCFG->setItem(0, c, new QTableWidgetItem);
-    h->addWidget(sprdSaveCFG, 1);
-    btnMdyCFG = named(new QPushButton(QStringLiteral("變更")), QStringLiteral("btnMdyCFG"));
+    m_saveSettings = new SaveSettingsPanel(m_ctx, this, tmrRefresh_CFG);
     btnGrpView = named(new QPushButton(QStringLiteral("GView")), QStringLiteral("btnGrpView"));
     btnGrpView->setToolTip(QStringLiteral("Graph Viewer"));
-    h->addWidget(btnMdyCFG);
-    h->addWidget(btnGrpView);
-    connect(btnMdyCFG, &QPushButton::clicked, this, &frmQM730_RunSimple::openSaveSettings);
+    m_saveSettings->row()->addWidget(btnGrpView);
     connect(btnGrpView, &QPushButton::clicked, this, &frmQM730_RunSimple::openGraphViewer);
-    return box;
+    return m_saveSettings;
 }
 
 // ---- Load and unload ----------------------------------------------------------
@@ -531,7 +510,7 @@ void frmQM730_RunSimple::load()
     m_loaded = true;
     m_refresh = std::make_unique<RefreshRegistration>(m_state, &tmrRefresh, RefreshRegistration::Screen);
     m_slot = m_state.slotOfMachine(m_state.CurrentMachine);
-    fillSaveSettings();
+    m_saveSettings->fill();
     selectView(0);
     for (LampStrip *s : {sprdIS, sprdTON, sprdHON, sprdTS, sprdDS, sprdDR, sprdPAS, sprdSAS, sprdAS, sprdDI, sprdUPDN,
                          sprdSOAK, sprdWAIT})
@@ -614,16 +593,7 @@ void frmQM730_RunSimple::tmrRefresh_Timer()
 
 void frmQM730_RunSimple::tmrRefresh_CFG_Timer()
 {
-    tmrRefresh_CFG.stop();
-    fillSaveSettings();
-}
-
-void frmQM730_RunSimple::fillSaveSettings()
-{
-    const SaveSettings &s = m_logger.settings();
-    const QString cells[] = {s.SaveEnable, QString::number(s.SaveInterval), s.SaveUnit, s.SaveFolder, s.SaveFileName};
-    for (int c = 0; c < 5; ++c)
-        sprdSaveCFG->item(0, c)->setText(cells[c]);
+    m_saveSettings->refreshTick();
 }
 
 // ---- Cells ------------------------------------------------------------------------
@@ -1116,20 +1086,6 @@ void frmQM730_RunSimple::selectView(int index)
     for (int i = 0; i < 3; ++i)
         btnSelectView[size_t(i)]->setStyleSheet(
             i == index ? QStringLiteral("QPushButton { background-color: #3c78d8; color: white; }") : QString());
-}
-
-void frmQM730_RunSimple::openSaveSettings()
-{
-    auto *dlg = new frmQM730_Set_DSave(m_ctx, this);
-    dlg->setAttribute(Qt::WA_DeleteOnClose);
-    dlg->setCallWin(ScreenName);
-    connect(dlg, &frmQM730_Set_DSave::saved, this, [this](const QString &callWin) {
-        if (callWin == ScreenName)
-            tmrRefresh_CFG.start();
-    });
-    // Modal without a nested event loop: the timers beneath keep their rhythm.
-    dlg->setWindowModality(Qt::ApplicationModal);
-    dlg->show();
 }
 
 void frmQM730_RunSimple::openGraphViewer()

@@ -24,9 +24,9 @@ class QTabWidget;
 class QTableWidget;
 class QHBoxLayout;
 class RunLogger;
+class SaveSettingsPanel;
 class TextTable;
 class TrendChart;
-class frmQM730_Set_DSave;
 
 // "單機操作": the operator's console for the foreground machine
 // (CurrentMachine). Once a second it shows that machine's status image; every
@@ -112,14 +112,12 @@ private:
     void drawSmile(bool good);
     void graphStep();
     void addGraphPoint();
-    void fillSaveSettings();
 
     // Edits and commands.
     void bindRunField(EditField flag, EntryField *field, int row, Encoding encoding, const EntryBinding::Range &range);
     void postRunWord(int row, int word);
     void toggle(QPushButton *button, int row);
     void selectView(int index);
-    void openSaveSettings();
     void openGraphViewer();
     void showNotice(const QString &text);
 
@@ -199,6 +197,6 @@ private:
     QCheckBox *chb3D, *chbScroll;
 
     // Save settings.
-    QTableWidget *sprdSaveCFG;
-    QPushButton *btnMdyCFG, *btnGrpView;
+    SaveSettingsPanel *m_saveSettings;
+    QPushButton *btnGrpView;
 };

@@ -1,4 +1,5 @@
 #include "ActivityLamp.h"
+#include "MachineListChange.h"
 #include "MainFixture.h"
 #include "ProgramImage.h"
 #include "Recorder.h"
@@ -321,6 +322,27 @@ private slots:
         QCOMPARE(opened, QStringList({"frmQM730_Set_Multi", "frmQM730_RunSimple", "frmQM730_RunMulti",
                                       "frmQM730Func_Run", "frmQM730_RunSimple"}));
         QCOMPARE(parents, QList<QWidget *>(opened.size(), f.window.get()));
+    }
+
+    void multiModeEntries()
+    {
+        // Single mode at start (no Run.INI): no multi-chamber console.
+        MainFixture f;
+        QVERIFY(!f.item("mOnlineRunMulti")->isVisible());
+        QVERIFY(!f.button(17)->isVisibleTo(f.window.get()));
+        QVERIFY(f.button(18)->isVisibleTo(f.window.get()));
+        QCOMPARE(f.panel(5), QStringLiteral("單機"));
+
+        // A list of three in multi mode: offered, and the machine table has three rows.
+        MachineList list;
+        list.multiMode = true;
+        list.machines = {{2, {}}, {4, {}}, {6, {}}};
+        applyMachineList(f.state(), f.core->link(), list);
+        QVERIFY(f.item("mOnlineRunMulti")->isVisible());
+        QVERIFY(f.button(17)->isVisibleTo(f.window.get()));
+        QCOMPARE(f.panel(5), QStringLiteral("多機"));
+        QCOMPARE(f.widget<QTableView>("sprdStatus")->model()->rowCount(), 3);
+        QCOMPARE(f.widget<QTableView>("sprdStatus")->model()->index(2, 0).data().toString(), QStringLiteral("6"));
     }
 
     void helpFilesAndAbout()

@@ -1,7 +1,7 @@
 // Pictures of the console's screens for the documentation, taken against the
 // demonstration line (qm730-sim beside this program):
 //
-//   qm730-shot [--home DIR] [--protocol P] [--wait S] [--cell TABLE:ROW:COL]...
+//   qm730-shot [--home DIR] [--protocol P] [--wait S] [--via OPENER] [--cell TABLE:ROW:COL[:double]]...
 //              [--click NAME[:INDEX]]... [--call METHOD=ARG]... [--after S] --out FILE SCREEN
 //   qm730-shot --list
 //
@@ -9,7 +9,9 @@
 // polls, does what the menu does before the screen opens, shows the screen,
 // waits, clicks the named table cells and then the named controls one after
 // another (a second apart), waits --after seconds more (for what a click
-// started), and saves the screen as drawn. SCREEN is a name of the screen registry or
+// started), and saves the screen as drawn. A screen that another screen opens
+// (a dialog asked from a sheet) is taken with --via, the screen shown first,
+// and --cell, the click on its sheet that opens it. SCREEN is a name of the screen registry or
 // frmQM730_Main. Run it under Xvfb (scripts/screenshots) for the fonts of a
 // real desktop.
 #include "ConsoleApplication.h"
@@ -28,6 +30,7 @@
 #include <QProcess>
 #include <QStringList>
 #include <QTableWidget>
+#include <QTest>
 #include <QTemporaryDir>
 #include <QTextStream>
 #include <QTimer>
@@ -68,12 +71,13 @@ int main(int argc, char **argv)
     const QCommandLineOption protocolOpt(QStringLiteral("protocol"), QStringLiteral("Link protocol of a new folder."), QStringLiteral("P"), QStringLiteral("PC Link"));
     const QCommandLineOption waitOpt(QStringLiteral("wait"), QStringLiteral("Seconds between showing the screen and the picture."), QStringLiteral("S"), QStringLiteral("3"));
     const QCommandLineOption clickOpt(QStringLiteral("click"), QStringLiteral("A control to click after the wait (NAME or NAME:INDEX); may be repeated."), QStringLiteral("NAME"));
-    const QCommandLineOption cellOpt(QStringLiteral("cell"), QStringLiteral("A table cell to click after the wait (TABLE:ROW:COL, from 0); may be repeated."), QStringLiteral("CELL"));
+    const QCommandLineOption cellOpt(QStringLiteral("cell"), QStringLiteral("A table cell to click after the wait (TABLE:ROW:COL from 0, \":double\" for a double click); may be repeated."), QStringLiteral("CELL"));
     const QCommandLineOption callOpt(QStringLiteral("call"), QStringLiteral("Before the picture, call the screen's invokable METHOD with the text ARG (printSheetToPdf=FILE ...); may be repeated."), QStringLiteral("METHOD=ARG"));
     const QCommandLineOption afterOpt(QStringLiteral("after"), QStringLiteral("Seconds to wait after the last click."), QStringLiteral("S"), QStringLiteral("0"));
     const QCommandLineOption outOpt(QStringLiteral("out"), QStringLiteral("The PNG file to write."), QStringLiteral("FILE"));
     const QCommandLineOption listOpt(QStringLiteral("list"), QStringLiteral("List the screens that can be shown."));
-    parser.addOptions({homeOpt, protocolOpt, waitOpt, cellOpt, clickOpt, callOpt, afterOpt, outOpt, listOpt});
+    const QCommandLineOption viaOpt(QStringLiteral("via"), QStringLiteral("Show this screen first; SCREEN is what it opens."), QStringLiteral("OPENER"));
+    parser.addOptions({homeOpt, protocolOpt, waitOpt, viaOpt, cellOpt, clickOpt, callOpt, afterOpt, outOpt, listOpt});
     parser.addPositionalArgument(QStringLiteral("screen"), QStringLiteral("Screen name."));
     parser.process(app);
 
@@ -119,13 +123,14 @@ int main(int argc, char **argv)
 
     QWidget *shown = &main;
     std::unique_ptr<QDialog> screen;
-    if (name != QLatin1String("frmQM730_Main")) {
-        const ScreenRegistry::Entry *entry = screens.find(name);
+    const QString first = parser.isSet(viaOpt) ? parser.value(viaOpt) : name;
+    if (first != QLatin1String("frmQM730_Main")) {
+        const ScreenRegistry::Entry *entry = screens.find(first);
         if (!entry || !entry->make) {
-            err << "no such screen: " << name << '\n';
+            err << "no such screen: " << first << '\n';
             return 2;
         }
-        screens.prepare(name, core.context());
+        screens.prepare(first, core.context());
         screen = entry->make(core.context(), &main);
         if (!screen) {
             err << "the screen made nothing to show\n";
@@ -174,15 +179,25 @@ int main(int argc, char **argv)
                        &app, finish);
     for (const QString &step : cells) {
         QWidget *root = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : shown;
-        auto *table = root->findChild<QTableWidget *>(step.section(u':', 0, 0));
-        const int row = step.section(u':', 1, 1).toInt();
-        const int col = step.section(u':', 2, 2).toInt();
-        if (!table || row < 0 || row >= table->rowCount() || col < 0 || col >= table->columnCount()) {
+        const QStringList parts = step.split(u':');
+        auto *view = parts.size() >= 3 ? root->findChild<QTableView *>(parts[0]) : nullptr;
+        const int row = parts.value(1).toInt();
+        const int col = parts.value(2).toInt();
+        if (!view || row < 0 || row >= view->model()->rowCount() || col < 0 || col >= view->model()->columnCount()) {
             err << "no cell " << step << '\n';
             return 1;
         }
-        table->setCurrentCell(row, col);
-        emit table->cellClicked(row, col);
+        const QModelIndex index = view->model()->index(row, col);
+        view->scrollTo(index);
+        view->setCurrentIndex(index);
+        if (auto *table = qobject_cast<QTableWidget *>(view)) {
+            emit table->cellClicked(row, col);
+        } else {
+            const QPoint at = view->visualRect(index).center();
+            QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, at);
+        }
+        if (parts.value(3) == QLatin1String("double"))
+            QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(index).center());
         if (taken)
             return status;
         waitMs(1000);

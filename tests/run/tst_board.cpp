@@ -1,0 +1,155 @@
+// The status board: blocks of three rows, its figures and the humidity rule,
+// a silent machine, the colours and their file.
+#include "MultiFixture.h"
+#include "Files.h"
+#include "Dictionary.h"
+#include "MultiColor.h"
+#include "frmQM730_TMon.h"
+#include <QAction>
+#include <QItemSelectionModel>
+#include <QMenu>
+
+using Bench = MultiBench<frmQM730_TMon>;
+using B = frmQM730_TMon;
+
+namespace {
+QString colourPath(const Bench &b)
+{
+    return programPath(b.home.path(), QStringLiteral("CFG/MultiColor.CFG"));
+}
+QColor windows(int bgr)
+{
+    return QColor(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF);
+}
+} // namespace
+
+class TestBoard : public QObject {
+    Q_OBJECT
+private slots:
+    void blocksOfThreeRows()
+    {
+        Bench b;
+        b.rcv(1, Rcv::TempPV, 65535);
+        B &form = b.open();
+        QCOMPARE(form.sheet().rows(), 9);
+        QCOMPARE(b.text(1, B::ColLink), QStringLiteral("003"));
+        QCOMPARE(b.text(4, B::ColLink), QStringLiteral("007"));
+        for (int slot = 0; slot < 3; ++slot) {
+            const int row = B::figureRow(slot);
+            QCOMPARE(b.text(row, B::ColLink), QStringLiteral("良好"));
+            QCOMPARE(b.text(row - 1, B::ColTempMV), QStringLiteral("MV"));
+            QCOMPARE(b.text(row - 1, B::ColHumiSV), QStringLiteral("SV"));
+        }
+        QCOMPARE(b.text(2, B::ColTempPV), QStringLiteral("24.50"));
+        QCOMPARE(b.text(2, B::ColTempMV), QStringLiteral("12.50"));
+        QCOMPARE(b.text(2, B::ColTempSV), QStringLiteral("25.00"));
+        QCOMPARE(b.text(2, B::ColHumiPV), QStringLiteral("58.3"));
+        QCOMPARE(b.text(2, B::ColHumiMV), QStringLiteral("30.20"));
+        QCOMPARE(b.text(2, B::ColHumiSV), QStringLiteral("60.0"));
+        // Burn-out of one figure: the others of the block stay numbers.
+        QCOMPARE(b.text(5, B::ColTempPV), QStringLiteral("---.--"));
+        QCOMPARE(b.text(5, B::ColTempSV), QStringLiteral("25.00"));
+        QCOMPARE(b.text(5, B::ColHumiMV), QStringLiteral("30.20"));
+
+        // Read-only: a double click selects nothing.
+        doubleClickCell(b.view("sprdList"), 2, B::ColTempPV);
+        QVERIFY(b.view("sprdList")->selectionModel()->selectedIndexes().isEmpty());
+    }
+
+    void humidityOutOfControlRange_data()
+    {
+        QTest::addColumn<int>("tempPv");
+        QTest::addColumn<int>("humiSv");
+        QTest::addColumn<int>("humiPv");
+        QTest::addColumn<bool>("limits"); // 5 to 80 degrees in words 70 and 71
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("inside") << 12450 << 600 << 583 << true << "58.3";
+        QTest::newRow("burn-out") << 12450 << 600 << 65535 << true << "---.-";
+        QTest::newRow("no humidity SV") << 12450 << 0 << 583 << true << "---.-";
+        QTest::newRow("SV 100") << 12450 << 1000 << 583 << true << "---.-";
+        QTest::newRow("below the lower limit") << 10400 << 600 << 583 << true << "---.-";
+        QTest::newRow("above the upper limit") << 18100 << 600 << 583 << true << "---.-";
+        QTest::newRow("at the upper limit") << 18000 << 600 << 583 << true << "58.3";
+        QTest::newRow("above 100 degrees, no limits read") << 20100 << 600 << 583 << false << "---.-";
+        QTest::newRow("cold, no limits read") << 5000 << 600 << 583 << false << "58.3";
+    }
+
+    void humidityOutOfControlRange()
+    {
+        QFETCH(int, tempPv);
+        QFETCH(int, humiSv);
+        QFETCH(int, humiPv);
+        QFETCH(bool, limits);
+        QFETCH(QString, shown);
+        Bench b;
+        if (limits) {
+            b.state.image.sprdUP.setNumber(1, 70, 18000);
+            b.state.image.sprdUP.setNumber(1, 71, 10500);
+        }
+        b.rcv(2, Rcv::TempPV, tempPv);
+        b.rcv(2, Rcv::HumiSV, humiSv);
+        b.rcv(2, Rcv::HumiPV, humiPv);
+        b.open();
+        QCOMPARE(b.text(B::figureRow(2), B::ColHumiPV), shown);
+    }
+
+    void silentMachineKeepsItsFigures()
+    {
+        Bench b;
+        B &form = b.open();
+        b.setOnline(0, false);
+        b.rcv(0, Rcv::TempPV, 13000);
+        b.rcv(1, Rcv::TempPV, 13000);
+        form.tmrRefresh_Timer();
+        QCOMPARE(b.text(2, B::ColLink), QStringLiteral("不良"));
+        QCOMPARE(b.cell(2, B::ColLink).back, QColor(255, 0, 0));
+        QCOMPARE(b.text(2, B::ColTempPV), QStringLiteral("24.50"));
+        QCOMPARE(b.text(5, B::ColTempPV), QStringLiteral("30.00"));
+    }
+
+    void colourChangePaintsTheGroupAndIsKept()
+    {
+        // A file from an earlier day: machine 7's line is damaged.
+        Bench b;
+        QDir().mkpath(programPath(b.home.path(), QStringLiteral("CFG")));
+        writeTextLinesAtomic(colourPath(b), {"255,65535,0,16777215", "garbage", "16711680,0,65280,255", "1,2,3,4"});
+        B &form = b.open();
+        QCOMPARE(b.cell(2, 3).back, windows(255));
+        QCOMPARE(b.cell(5, 3).back, windows(B::defaultColours().tempBack));
+        QCOMPARE(b.cell(8, 9).fore, windows(255));
+
+        // Right button on column 8 of machine 7: the humidity group takes the colour.
+        QList<QColor> asked;
+        form.setColourPicker([&](const QColor &present) {
+            asked << present;
+            return QColor(0x12, 0x34, 0x56);
+        });
+        QMetaObject::invokeMethod(b.view("sprdList"), "customContextMenuRequested",
+                                  Q_ARG(QPoint, cellCentre(b.view("sprdList"), 5, 8)));
+        auto *menu = child<QMenu>(form, "mEditColor");
+        QTRY_VERIFY(menu->isVisible());
+        child<QAction>(form, "mEditBackColor")->trigger();
+        menu->close();
+        QCOMPARE(asked, QList<QColor>{windows(B::defaultColours().humiBack)});
+        for (int row = 4; row <= 6; ++row)
+            for (int col = 7; col <= 10; ++col)
+                QVERIFY(b.cell(row, col).back == QColor(0x12, 0x34, 0x56));
+        QCOMPARE(b.cell(5, 5).back, windows(B::defaultColours().tempBack)); // the other group stands
+        QCOMPARE(b.cell(8, 8).back, windows(65280));                       // and the other machines
+
+        // Written whole: one line per machine, the damaged one now whole.
+        const auto lines = readTextLines(colourPath(b));
+        QVERIFY(lines);
+        const BlockColours d = B::defaultColours();
+        QCOMPARE(*lines, (QStringList{"255,65535,0,16777215",
+                                      QStringLiteral("%1,%2,%3,%4").arg(d.tempBack).arg(d.tempFore).arg(0x563412).arg(d.humiFore),
+                                      "16711680,0,65280,255"}));
+        // The next opening shows the same.
+        b.form.reset();
+        b.open();
+        QCOMPARE(b.cell(5, 10).back, QColor(0x12, 0x34, 0x56));
+    }
+};
+
+QTEST_MAIN(TestBoard)
+#include "tst_board.moc"
