@@ -132,6 +132,7 @@ private:
     void moveToNextOnlineSlot();
     void statusStored(int slot, const std::optional<RcvWords> &rows);
     void refreshIfFlagged();
+    bool blockSendPosted() const;
     void reportBulk(BulkTable table, int done, int total, bool finished = false);
     void textProgress(int row);
     void textsDone();
