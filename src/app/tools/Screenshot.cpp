@@ -1,15 +1,18 @@
 // Pictures of the console's screens for the documentation, taken against the
 // demonstration line (qm730-sim beside this program):
 //
-//   qm730-shot [--home DIR] [--protocol P] [--wait S] [--click NAME[:INDEX]]... --out FILE SCREEN
+//   qm730-shot [--home DIR] [--protocol P] [--wait S] [--file NAME]... [--click NAME[:INDEX]]... --out FILE SCREEN
 //   qm730-shot --list
 //
 // It starts the simulated line, opens the port, waits for the scan and a few
 // polls, does what the menu does before the screen opens, shows the screen,
 // waits, clicks the named controls one after another (a second apart), and
+// answers the screen's file dialog with the --file names in turn ("{home}"
+// stands for the program folder), and
 // saves the screen as drawn. SCREEN is a name of the screen registry or
 // frmQM730_Main. Run it under Xvfb (scripts/screenshots) for the fonts of a
 // real desktop.
+#include "CommonDialog.h"
 #include "ConsoleCore.h"
 #include "Demo.h"
 #include "Files.h"
@@ -71,9 +74,10 @@ int main(int argc, char **argv)
     const QCommandLineOption protocolOpt(QStringLiteral("protocol"), QStringLiteral("Link protocol of a new folder."), QStringLiteral("P"), QStringLiteral("PC Link"));
     const QCommandLineOption waitOpt(QStringLiteral("wait"), QStringLiteral("Seconds between showing the screen and the picture."), QStringLiteral("S"), QStringLiteral("3"));
     const QCommandLineOption clickOpt(QStringLiteral("click"), QStringLiteral("A control to click after the wait (NAME or NAME:INDEX); may be repeated."), QStringLiteral("NAME"));
+    const QCommandLineOption fileOpt(QStringLiteral("file"), QStringLiteral("A file name the screen's file dialog (CommonDialog1) takes in place of asking; may be repeated. {home} is the program folder."), QStringLiteral("NAME"));
     const QCommandLineOption outOpt(QStringLiteral("out"), QStringLiteral("The PNG file to write."), QStringLiteral("FILE"));
     const QCommandLineOption listOpt(QStringLiteral("list"), QStringLiteral("List the screens that can be shown."));
-    parser.addOptions({homeOpt, protocolOpt, waitOpt, clickOpt, outOpt, listOpt});
+    parser.addOptions({homeOpt, protocolOpt, waitOpt, clickOpt, fileOpt, outOpt, listOpt});
     parser.addPositionalArgument(QStringLiteral("screen"), QStringLiteral("Screen name."));
     parser.process(app);
 
@@ -131,6 +135,9 @@ int main(int argc, char **argv)
             err << "the screen made nothing to show\n";
             return 1;
         }
+        for (CommonDialog *dialog : screen->findChildren<CommonDialog *>())
+            for (QString file : parser.values(fileOpt))
+                dialog->answerNext(file.replace(QStringLiteral("{home}"), home));
         screen->show();
         shown = screen.get();
     }
