@@ -24,6 +24,7 @@ private:
     QString fault(const QStringList &t);
     QString set(const QStringList &t, const QString &line);
     QString get(const QStringList &t);
+    QString dump(const QStringList &t);
 
     Line &m_line;
     SimClock &m_clock;
