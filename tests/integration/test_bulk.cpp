@@ -1,42 +1,24 @@
 // The bulk chains against the simulator in both link families: the parameter
 // block received and sent, and the programs fetched row by row with their
 // loaded flags, ending in the program cache.
-#include "ConsoleCore.h"
 #include "ProgramImage.h"
-#include "SimProcess.h"
-#include "TestHome.h"
+#include "SimConsole.h"
 #include <QSignalSpy>
 #include <QtTest>
 
 class BulkTest : public QObject {
     Q_OBJECT
 
-    TestHome m_home;
-    std::unique_ptr<SimProcess> m_sim;
-    std::unique_ptr<ConsoleCore> m_core;
+    SimConsole m_line;
 
     ConsoleState &bringUp(const QString &protocol)
     {
-        m_core.reset();
-        m_sim = std::make_unique<SimProcess>(m_home.path() + QStringLiteral("/sim"));
-        QDir().mkpath(m_home.path() + QStringLiteral("/sim"));
-        m_sim->start({QStringLiteral("--machines"), QStringLiteral("1"), QStringLiteral("--protocol"), protocol,
-                      QStringLiteral("--no-pace")});
-        m_home.writePortCfg(protocol);
-        m_home.mapPorts({QStringLiteral("COM1=") + m_sim->linkPath()});
-        m_home.machines({true});
-        m_core = std::make_unique<ConsoleCore>(m_home.path());
-        m_core->start();
-        m_core->togglePort();
-        return m_core->state();
+        m_line.startSim(protocol);
+        return m_line.startConsole();
     }
 
 private slots:
-    void cleanup()
-    {
-        m_core.reset();
-        m_sim.reset();
-    }
+    void cleanup() { m_line.stop(); }
 
     void protocols_data()
     {
@@ -51,8 +33,8 @@ private slots:
         QFETCH(QString, protocol);
         ConsoleState &s = bringUp(protocol);
         QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
-        QSignalSpy progress(&m_core->link(), &CommLink::bulkProgress);
-        QSignalSpy finished(&m_core->link(), &CommLink::bulkFinished);
+        QSignalSpy progress(&m_line.core->link(), &CommLink::bulkProgress);
+        QSignalSpy finished(&m_line.core->link(), &CommLink::bulkFinished);
         auto last = [&progress] { return progress.last().at(0).value<BulkProgress>(); };
 
         s.image.sprdUP.clearCells();
@@ -64,8 +46,8 @@ private slots:
         QCOMPARE(last().job, BulkJob::ParameterReceive);
         QCOMPARE(last().table, BulkTable::Parameters);
         QVERIFY(last().finished);
-        QCOMPARE(s.image.sprdUP.text(1, 506), m_sim->command(QStringLiteral("get 1 up 506")));
-        QCOMPARE(s.image.sprdUP.text(1, 300), m_sim->command(QStringLiteral("get 1 up 300")));
+        QCOMPARE(s.image.sprdUP.text(1, 506), m_line.sim->command(QStringLiteral("get 1 up 506")));
+        QCOMPARE(s.image.sprdUP.text(1, 300), m_line.sim->command(QStringLiteral("get 1 up 300")));
 
         s.image.sprdUP.setNumber(1, 25, 9);
         s.requests().startParameterSend(false);
@@ -73,7 +55,7 @@ private slots:
         QCOMPARE(finished.last().at(0).value<BulkJob>(), BulkJob::ParameterSend);
         QCOMPARE(last().job, BulkJob::ParameterSend); // "傳送完了"
         QVERIFY(last().finished);
-        QCOMPARE(m_sim->command(QStringLiteral("get 1 up 25")), QStringLiteral("9"));
+        QCOMPARE(m_line.sim->command(QStringLiteral("get 1 up 25")), QStringLiteral("9"));
         QTRY_VERIFY(s.CmdState == 1 || s.CmdState == 2);
     }
 
@@ -89,19 +71,19 @@ private slots:
         s.image.PatternNameLoaded.fill(true);
         for (int p : {0, 1})
             s.image.PatternLoaded[p] = s.image.PatternNameLoaded[p] = false;
-        QSignalSpy progress(&m_core->link(), &CommLink::bulkProgress);
-        QSignalSpy finished(&m_core->link(), &CommLink::bulkFinished);
+        QSignalSpy progress(&m_line.core->link(), &CommLink::bulkProgress);
+        QSignalSpy finished(&m_line.core->link(), &CommLink::bulkFinished);
         s.requests().startNameFetch(12);
         QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, 15000);
 
         QVERIFY(s.image.PatternLoaded[0] && s.image.PatternLoaded[1] && s.image.PatternNameLoaded[0]);
-        QCOMPARE(s.image.sprdTD.text(1, 12), m_sim->command(QStringLiteral("get 1 td 12")));
-        const int segments = m_sim->command(QStringLiteral("get 1 pd 1 1")).toInt();
+        QCOMPARE(s.image.sprdTD.text(1, 12), m_line.sim->command(QStringLiteral("get 1 td 12")));
+        const int segments = m_line.sim->command(QStringLiteral("get 1 pd 1 1")).toInt();
         QVERIFY(segments > 0);
         QCOMPARE(int(s.image.sprdPD.number(1, 1)), segments);
         QCOMPARE(s.image.sprdSD.text(Sd::column(segments, 1), 1),
-                 m_sim->command(QStringLiteral("get 1 sd 1 %1 1").arg(segments)));
-        QCOMPARE(s.image.sprdPD.text(8, 2), m_sim->command(QStringLiteral("get 1 pd 2 8")));
+                 m_line.sim->command(QStringLiteral("get 1 sd 1 %1 1").arg(segments)));
+        QCOMPARE(s.image.sprdPD.text(8, 2), m_line.sim->command(QStringLiteral("get 1 pd 2 8")));
         // Pattern 3 was flagged as loaded, so it was not asked for.
         QVERIFY(s.image.sprdPD.isEmpty(1, 3));
         if (!modbus) {
@@ -111,7 +93,7 @@ private slots:
             QCOMPARE(first.table, BulkTable::Texts);
             QCOMPARE(QList<int>({first.done, first.total}), QList<int>({1, 100}));
         }
-        QVERIFY(QFile::exists(programCachePath(m_home.path(), 1, u"SD")));
+        QVERIFY(QFile::exists(programCachePath(m_line.home.path(), 1, u"SD")));
     }
 };
 
