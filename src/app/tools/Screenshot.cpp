@@ -24,7 +24,9 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDialog>
+#include <QDir>
 #include <QEventLoop>
+#include <QFileInfo>
 #include <QLibraryInfo>
 #include <QProcess>
 #include <QStringList>
@@ -97,8 +99,11 @@ int main(int argc, char **argv)
     const QString name = parser.positionalArguments().constFirst();
 
     QTemporaryDir temp;
-    const QString home = parser.isSet(homeOpt) ? parser.value(homeOpt) : temp.path();
-    if (!parser.isSet(homeOpt))
+    // A folder given is kept between pictures (one screen may read what
+    // another saved there); a new one gets the demonstration port settings.
+    const QString home = parser.isSet(homeOpt) ? QDir(parser.value(homeOpt)).absolutePath() : temp.path();
+    QDir().mkpath(home);
+    if (!QFileInfo::exists(home + QStringLiteral("/CommPort.CFG")))
         writeTextLinesAtomic(home + QStringLiteral("/CommPort.CFG"),
                              {QStringLiteral("COM1"), QStringLiteral("115200"), QStringLiteral("N"), QStringLiteral("8"),
                               QStringLiteral("1"), parser.value(protocolOpt), QStringLiteral("OFF")});
