@@ -3,6 +3,7 @@
 // the controller changed, the set read and sent, and the controller's memory
 // compared word for word with what it was; the stops end their chains.
 #include "CommonDialog.h"
+#include "ParameterSet.h"
 #include "SimConsole.h"
 #include "Widgets.h"
 #include "frmQM730_P_Recv.h"
@@ -255,6 +256,16 @@ private slots:
         QVERIFY2(out.contains(QStringLiteral("不一致 (F/W Version)")), qPrintable(out));
         for (const QByteArray &f : m_line.sim->frames())
             QVERIFY(quint8(f[1]) != 16 && quint8(f[1]) != 21); // no write went out
+        // And the other way: a set of F/W 2.09 does not fit machine 1 of 2.31.
+        ControllerImage older;
+        older.applyFirmware(2.09);
+        QVERIFY(paramset::saveParameterSet(older, 2.09, base + QStringLiteral("-209")));
+        QVERIFY(ok("log clear"));
+        QCOMPARE(runConsole({"restore", "--machine", "1", "--from", base + QStringLiteral("-209.UUP")}, &out), 5);
+        QVERIFY2(out.contains(QStringLiteral("不一致 (F/W Version): the set has 492 parameter rows, the machine 512")),
+                 qPrintable(out));
+        for (const QByteArray &f : m_line.sim->frames())
+            QVERIFY(quint8(f[1]) != 16 && quint8(f[1]) != 21);
 
         QCOMPARE(runConsole({"backup", "--machine", "7", "--to", base}), 4);            // not on the line
         QCOMPARE(runConsole({"restore", "--machine", "1", "--from", base + "-none"}), 5); // no such set
