@@ -52,7 +52,7 @@ int main(int argc, char **argv)
     parser.addVersionOption();
     const QCommandLineOption homeOpt(QStringLiteral("home"), QStringLiteral("The program's folder: settings, logs and caches (default: the folder of the executable)."), QStringLiteral("DIR"));
     const QCommandLineOption headlessOpt(QStringLiteral("headless"), QStringLiteral("Run without windows: open the port, scan, poll and record, printing the link's changes and the present values."));
-    const QCommandLineOption secondsOpt(QStringLiteral("seconds"), QStringLiteral("With --headless: end cleanly after N seconds."), QStringLiteral("N"));
+    const QCommandLineOption secondsOpt(QStringLiteral("seconds"), QStringLiteral("With --headless: end cleanly after N seconds; with backup or restore: give up after N seconds."), QStringLiteral("N"));
     const QCommandLineOption commLogOpt(QStringLiteral("comm-log"), QStringLiteral("Write every frame to CommData.Mon in the program's folder."));
     const QCommandLineOption demoOpt(QStringLiteral("demo"), QStringLiteral("Start the chamber simulator with three chambers on one line and run the console against it."));
     const QCommandLineOption provisionOpt(QStringLiteral("provision"), QStringLiteral("Prepare the program's folder as an installer does (an empty EMail.mdb) and exit."));
