@@ -287,6 +287,21 @@ private slots:
             m_line.core.reset();
         }
 
+        // Stopped by the operator (SIGTERM) during a backup: the chain ends,
+        // the status says so and no set is written.
+        {
+            QProcess stopped;
+            stopped.start(qEnvironmentVariable("QM730_BIN") + QStringLiteral("/qm730"),
+                          {"--home", m_home.path(), "backup", "--machine", "1", "--to", base + QStringLiteral("-stopped")});
+            QByteArray said;
+            QTRY_VERIFY_WITH_TIMEOUT((said += stopped.readAllStandardOutput()).contains("文本 "), 20000);
+            stopped.terminate();
+            QVERIFY(stopped.waitForFinished(10000));
+            QCOMPARE(stopped.exitStatus(), QProcess::NormalExit);
+            QCOMPARE(stopped.exitCode(), 6);
+            QVERIFY(stopped.readAllStandardError().contains("stopped by a signal"));
+            QVERIFY(!QFile::exists(base + QStringLiteral("-stopped.UUP")));
+        }
         // The machine stops answering during the send: the transfer ends with its status.
         QProcess console;
         console.start(qEnvironmentVariable("QM730_BIN") + QStringLiteral("/qm730"),
