@@ -1,4 +1,5 @@
 #include "FuzzMultiColor.h"
+#include "FuzzParameterSet.h"
 #include "FuzzTargets.h"
 #include <cstring>
 
@@ -15,6 +16,7 @@ const FuzzTarget kFuzzTargets[] = {
     {"ptn_recv_opt", fuzzPtnRecvOpt},
     {"id_ini", fuzzIdIni},
     {"history_use", fuzzHistoryUse},
+    {"parameterset", fuzzParameterSet},
 };
 const size_t kFuzzTargetCount = sizeof kFuzzTargets / sizeof kFuzzTargets[0];
 

@@ -76,6 +76,8 @@ std::optional<QString> Commands::execute(const QString &line)
             return error(QStringLiteral("cannot write %1").arg(f.fileName()));
         return QStringLiteral("ok");
     }
+    if (cmd == QLatin1String("dump"))
+        return dump(t);
     if (cmd == QLatin1String("stats")) {
         if (t.size() == 1)
             return m_line.stats();
@@ -308,6 +310,47 @@ QString Commands::get(const QStringList &t)
     else
         return error(QStringLiteral("usage: get <machine> rrp|rcv|up|upplus|reg <row> | pd <p> <w> | sd <p> <s> <w> | td <row>"));
     return w ? QString::number(*w) : error(QStringLiteral("no such row or word"));
+}
+
+// A whole block of a controller's memory as one line of hex, words high byte
+// first: the parameter block, the text rows (all 30 bytes of each), the
+// pattern rows, or the 100 segments of one pattern.
+QString Commands::dump(const QStringList &t)
+{
+    const QString usage = QStringLiteral("usage: dump <machine> up | td | pd | sd <pattern>");
+    if (t.size() < 3)
+        return error(usage);
+    const auto m = number(t[1]);
+    const Controller *c = m ? m_line.controller(*m) : nullptr;
+    if (!c)
+        return error(QStringLiteral("no machine %1 on the line").arg(t[1]));
+    const QString what = t[2].toLower();
+    QByteArray bytes;
+    auto add = [&bytes](quint16 w) {
+        bytes.append(static_cast<char>(w >> 8));
+        bytes.append(static_cast<char>(w & 0xFF));
+    };
+    if (what == QLatin1String("up") && t.size() == 3) {
+        for (int row = 1; row <= c->upRows(); ++row)
+            add(*c->up(row));
+    } else if (what == QLatin1String("td") && t.size() == 3) {
+        for (int row = 1; row <= Controller::TextRows; ++row)
+            bytes += *c->text(row);
+    } else if (what == QLatin1String("pd") && t.size() == 3) {
+        for (int p = 1; p <= c->patternCount(); ++p)
+            for (int w = 1; w <= Controller::PatternWords; ++w)
+                add(*c->patternWord(p, w));
+    } else if (what == QLatin1String("sd") && t.size() == 4) {
+        const auto p = number(t[3]);
+        if (!p || !c->segmentWord(*p, 1, 1))
+            return error(QStringLiteral("no pattern %1").arg(t[3]));
+        for (int s = 1; s <= Controller::Segments; ++s)
+            for (int w = 1; w <= Controller::SegmentWords; ++w)
+                add(*c->segmentWord(*p, s, w));
+    } else {
+        return error(usage);
+    }
+    return QString::fromLatin1(bytes.toHex());
 }
 
 // ---------------------------------------------------------------- control socket

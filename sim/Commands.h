@@ -32,6 +32,7 @@ private:
     QString set(const QStringList &t, const QString &line);
     QString get(const QStringList &t);
     QString programs(const QStringList &t);
+    QString dump(const QStringList &t);
 
     Line &m_line;
     SimClock &m_clock;

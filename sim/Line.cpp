@@ -178,7 +178,10 @@ void Line::scan(bool idle)
             if (r.kind == modbus::Scan::BadCrc && controller(static_cast<quint8>(m_buffer.at(0))))
                 ++m_bad;
         } else {
-            const auto r = pclink::scan(m_buffer, m_protocol == Protocol::PcLinkSum);
+            const auto r = pclink::scan(m_buffer, m_protocol == Protocol::PcLinkSum, idle, [this](int machine) {
+                const Controller *c = controller(machine);
+                return c ? c->upRows() : 0;
+            });
             if (r.kind == pclink::Scan::NeedMore && !idle)
                 return;
             frame = r.kind == pclink::Scan::Frame;

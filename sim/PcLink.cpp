@@ -93,7 +93,7 @@ QByteArray words(int count, const std::function<quint16(int)> &at)
 
 } // namespace
 
-ScanResult scan(const QByteArray &b, bool withSum)
+ScanResult scan(const QByteArray &b, bool withSum, bool idle, const std::function<int(int)> &blockWords)
 {
     if (b.isEmpty())
         return {Scan::NeedMore};
@@ -129,11 +129,27 @@ ScanResult scan(const QByteArray &b, bool withSum)
         return {Scan::Skip, 1};
     // Data are binary: the end is where a permitted length puts ETX, CR, LF.
     // Where several lengths are possible the sum must agree as well.
-    const QVector<int> lengths = dataLengths(command->data, lastArg);
+    QVector<int> lengths = dataLengths(command->data, lastArg);
+    // The addressed machine's own block size first; the others only once the
+    // line has gone quiet short of it.
+    bool ownFirst = false;
+    if (command->data == Data::ParamBlock && lastArg == 0 && blockWords) {
+        const qsizetype own = lengths.indexOf(2 * blockWords(machine));
+        if (own >= 0) {
+            lengths.move(own, 0);
+            ownFirst = true;
+        }
+    }
     for (const int n : lengths) {
         const qsizetype length = head + 1 + n + 3;
-        if (b.size() < length + sum)
+        if (b.size() < length + sum) {
+            if (ownFirst && idle) {
+                ownFirst = false;
+                continue;
+            }
             return {Scan::NeedMore};
+        }
+        ownFirst = false;
         if (terminated(b, length) && (lengths.size() == 1 || !withSum || sumMatches(b, length)))
             return {Scan::Frame, length + sum};
     }

@@ -5,6 +5,7 @@
 #include <QByteArray>
 
 #include <array>
+#include <functional>
 
 class Controller;
 
@@ -26,7 +27,13 @@ struct ScanResult {
 
 // Looks at the start of the buffer: a whole request, bytes that cannot start one,
 // or a request still incomplete. Lengths follow the command and its arguments.
-ScanResult scan(const QByteArray &buffer, bool withSum);
+// A whole parameter block may have the size of any firmware; blockWords (when
+// given) tells the size of the addressed machine's block (0: no such machine),
+// which is tried first, so that block data that happen to hold ETX CR LF where
+// a smaller block would end are still taken whole; the other sizes are tried
+// once the line is idle short of that size.
+ScanResult scan(const QByteArray &buffer, bool withSum, bool idle = false,
+                const std::function<int(int)> &blockWords = {});
 
 // Splits a frame found by scan (without its sum) into its fields.
 Request parse(const QByteArray &frame);

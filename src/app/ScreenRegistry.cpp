@@ -19,6 +19,8 @@
 #include "frmQM730Prg_SEG_TS.h"
 #include "frmQM730_PTN_Recv.h"
 #include "frmQM730_RunMulti.h"
+#include "frmQM730_P_Recv.h"
+#include "frmQM730_P_Send.h"
 #include "frmQM730_RunSimple.h"
 #include "frmQM730_Set_DSave.h"
 #include "frmQM730_Set_EMail.h"
@@ -71,8 +73,8 @@ ScreenRegistry ScreenRegistry::console()
         {"frmQM730_SysPass_Reg", Nothing, make<frmQM730_SysPass_Reg>()},
         {"frmQM730_SysPass_Chk", Nothing, make<frmQM730_SysPass_Chk>()},
         // Online functions.
-        {"frmQM730_P_Recv", Nothing, {}},
-        {"frmQM730_P_Send", Nothing, {}},
+        {"frmQM730_P_Recv", Nothing, make<frmQM730_P_Recv>()},
+        {"frmQM730_P_Send", Nothing, make<frmQM730_P_Send>()},
         {"frmQM730Online_DateTime", refresh, make<frmQM730Online_DateTime>()},
         {"frmQM730Online_Screen", Nothing, make<frmQM730Online_Screen>()},
         {"frmQM730_RunSimple", refresh | ReadParameters, make<frmQM730_RunSimple>()},

@@ -503,8 +503,7 @@ void frmQM730_Main::sprdStatus_Click(const QModelIndex &index)
         const int machine = int(t.number(1, row));
         lblMC_No->setText(t.text(1, row));
         s.setStatusPanel(4, QString());
-        s.applyFirmwareOfRow(row);
-        s.setCurrentMachine(machine);
+        s.setForegroundMachine(machine);
     } else if (color == TextTable::White) {
         s.setStatusPanel(4, QStringLiteral("開啟通訊端口"));
     } else {

@@ -49,6 +49,21 @@ QString pollLine(ConsoleState &s, int slot)
 }
 } // namespace
 
+void onTerminationSignals(QObject *owner, std::function<void()> handler)
+{
+    if (g_signalPipe[0] < 0 && ::socketpair(AF_UNIX, SOCK_STREAM, 0, g_signalPipe) != 0)
+        return;
+    auto *notifier = new QSocketNotifier(g_signalPipe[0], QSocketNotifier::Read, owner);
+    QObject::connect(notifier, &QSocketNotifier::activated, owner, [handler = std::move(handler)] {
+        char c = 0;
+        [[maybe_unused]] ssize_t n = ::read(g_signalPipe[0], &c, 1);
+        handler();
+    });
+    std::signal(SIGTERM, onSignal);
+    std::signal(SIGINT, onSignal);
+    std::signal(SIGPIPE, SIG_IGN); // a closed stdout must not end the program
+}
+
 int runHeadless(const QString &home, int seconds, bool commLog, bool demo)
 {
     QTextStream out(stdout);
@@ -72,13 +87,7 @@ int runHeadless(const QString &home, int seconds, bool commLog, bool demo)
     QObject::connect(&link, &CommLink::linkEvent, &link, print);
     QObject::connect(&link, &CommLink::pollCompleted, &link, [&](int slot) { print(pollLine(s, slot)); });
 
-    if (::socketpair(AF_UNIX, SOCK_STREAM, 0, g_signalPipe) == 0) {
-        auto *notifier = new QSocketNotifier(g_signalPipe[0], QSocketNotifier::Read, &core);
-        QObject::connect(notifier, &QSocketNotifier::activated, &core, [] { QCoreApplication::quit(); });
-        std::signal(SIGTERM, onSignal);
-        std::signal(SIGINT, onSignal);
-        std::signal(SIGPIPE, SIG_IGN); // a closed stdout must not end the recording
-    }
+    onTerminationSignals(&core, [] { QCoreApplication::quit(); });
     if (seconds > 0)
         QTimer::singleShot(seconds * 1000, &core, [] { QCoreApplication::quit(); });
 

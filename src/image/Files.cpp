@@ -6,8 +6,12 @@
 #include <QSaveFile>
 #include <QStringDecoder>
 #include <QStringEncoder>
+#include <QTemporaryFile>
+#include <cerrno>
 #include <cmath>
+#include <cstring>
 #include <limits>
+#include <unistd.h>
 
 QString programPath(const QString &home, const QString &relative)
 {
@@ -136,6 +140,87 @@ bool writeFileAtomic(const QString &path, const QByteArray &bytes)
         return false;
     }
     return f.commit();
+}
+
+namespace {
+// One file of writeFilesAtomic on its way into place.
+struct StagedFile {
+    QString path;
+    QString temp;   // the new content, until renamed to path
+    QString kept;   // a second name of the old file while the set is replaced
+    bool placed = false;
+};
+
+QString systemError()
+{
+    return QString::fromLocal8Bit(std::strerror(errno));
+}
+
+// Takes back what the renames did and removes what is left of the new files.
+void undoStaged(QList<StagedFile> &staged)
+{
+    for (StagedFile &f : staged) {
+        const QByteArray path = QFile::encodeName(f.path);
+        if (f.placed) {
+            if (!f.kept.isEmpty())
+                ::rename(QFile::encodeName(f.kept).constData(), path.constData());
+            else
+                ::unlink(path.constData());
+        } else if (!f.kept.isEmpty()) {
+            ::unlink(QFile::encodeName(f.kept).constData());
+        }
+        if (!f.temp.isEmpty())
+            ::unlink(QFile::encodeName(f.temp).constData());
+    }
+}
+} // namespace
+
+bool writeFilesAtomic(const QList<QPair<QString, QByteArray>> &files, QString *error)
+{
+    QList<StagedFile> staged;
+    auto fail = [&](const QString &path, const QString &why) {
+        undoStaged(staged);
+        if (error)
+            *error = path + QStringLiteral(": ") + why;
+        return false;
+    };
+    // Every new content to disk first; nothing in place is touched yet.
+    for (const auto &[path, bytes] : files) {
+        const QFileInfo info(path);
+        if (info.exists() && !info.isFile())
+            return fail(path, QStringLiteral("not a file"));
+        QTemporaryFile temp(info.absolutePath() + u'/' + info.fileName() + QStringLiteral(".XXXXXX"));
+        temp.setAutoRemove(false);
+        if (!temp.open())
+            return fail(path, temp.errorString());
+        staged.append({path, temp.fileName(), {}, false});
+        if (temp.write(bytes) != bytes.size() || !temp.flush())
+            return fail(path, temp.errorString());
+        if (::fsync(temp.handle()) != 0)
+            return fail(path, systemError());
+        temp.close();
+        if (temp.error() != QFileDevice::NoError)
+            return fail(path, temp.errorString());
+    }
+    // Then into place: the old file keeps a second name (a hard link) until
+    // every new one is there, so that a failed rename can put it back.
+    for (StagedFile &f : staged) {
+        const QByteArray path = QFile::encodeName(f.path);
+        if (QFileInfo::exists(f.path)) {
+            const QString kept = f.temp + QStringLiteral(".old");
+            if (::link(path.constData(), QFile::encodeName(kept).constData()) != 0)
+                return fail(f.path, systemError());
+            f.kept = kept;
+        }
+        if (::rename(QFile::encodeName(f.temp).constData(), path.constData()) != 0)
+            return fail(f.path, systemError());
+        f.temp.clear();
+        f.placed = true;
+    }
+    for (const StagedFile &f : staged)
+        if (!f.kept.isEmpty())
+            ::unlink(QFile::encodeName(f.kept).constData());
+    return true;
 }
 
 bool writeTextLinesAtomic(const QString &path, const QStringList &lines, bool ansi)

@@ -1,6 +1,8 @@
 #pragma once
 #include <QByteArray>
 #include <QString>
+#include <QList>
+#include <QPair>
 #include <QStringList>
 #include <optional>
 
@@ -33,6 +35,12 @@ std::optional<QStringList> readTextLines(const QString &path);
 // Writes a whole file through a temporary file and a rename, so that a crash
 // leaves either the old file or the new one, never half of one.
 bool writeFileAtomic(const QString &path, const QByteArray &bytes);
+// Writes several files as one. Each is written to a temporary file beside it
+// and flushed to disk; only when all are written are they renamed into place,
+// each old file kept aside until the last rename is through. A failure at any
+// point leaves every file as it was (never some new and some old) and no
+// temporary file behind; *error then says which file and why.
+bool writeFilesAtomic(const QList<QPair<QString, QByteArray>> &files, QString *error = nullptr);
 // Lines joined with CR LF after each, in the given encoding (UTF-8 or Big5).
 bool writeTextLinesAtomic(const QString &path, const QStringList &lines, bool ansi = false);
 

@@ -150,6 +150,7 @@ private:
     void statusStored(int slot, const std::optional<RcvWords> &rows);
     void refreshIfFlagged();
     void textReadDone();
+    bool blockSendPosted() const;
     void reportBulk(BulkTable table, int done, int total, bool finished = false);
     void textProgress(int row);
     void textsDone();

@@ -137,6 +137,16 @@ void ConsoleState::applyFirmwareOfRow(int row)
     image.applyFirmware(sprdStatus.value(3, row));
 }
 
+bool ConsoleState::setForegroundMachine(int machineNumber)
+{
+    const int slot = slotOfMachine(machineNumber);
+    if (slot < 0)
+        return false;
+    applyFirmwareOfRow(slot + 1);
+    setCurrentMachine(machineNumber); // another machine's programs are not this one's
+    return true;
+}
+
 int ConsoleState::WireAddress(int row) const
 {
     return ::WireAddress(row, Modbus(), image.isCurrentLayout());

@@ -125,6 +125,11 @@ public:
     // The firmware rule: the version in column 3 of a row of sprdStatus fixes
     // the row count of sprdUP and the pattern count.
     void applyFirmwareOfRow(int row);
+    // A machine of the list becomes the foreground machine: the firmware in
+    // its row fixes the parameter block, and the program image, which belongs
+    // to one machine, starts unloaded when the machine changes. False when
+    // the machine is not in the list.
+    bool setForegroundMachine(int machineNumber);
     double FirmwareVersion() const { return image.firmwareVersion(); }
     int PatternCount() const { return image.patternCount(); }
     int TempDecimals() const { return image.tempDecimals(); }

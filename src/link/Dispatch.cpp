@@ -213,6 +213,14 @@ void CommLink::textReadDone()
     }
 }
 
+// A send of the whole parameter block is posted: the image holds the block
+// to be written (a file set), which a poll's read of the block that was
+// under way must not overwrite.
+bool CommLink::blockSendPosted() const
+{
+    return m_st.ReqCmd == Cmd::SendUp || m_st.ReqCmd == Cmd::SendUpPieces;
+}
+
 void CommLink::refreshIfFlagged()
 {
     if (m_st.RefreshAfterWrite || m_st.RefreshOnOpen) {
@@ -475,7 +483,10 @@ void CommLink::dispatchPcLink()
         break;
     case Cmd::ReadUp: case Cmd::RecvUp: {
         const int index = num4(f, 12);
-        if (index > 0)
+        const bool keepImage = s.CmdState == Cmd::ReadUp && blockSendPosted();
+        if (keepImage)
+            emit linkEvent(QStringLiteral("parameter block read not stored: a send of the block is posted"));
+        else if (index > 0)
             Disp_RUP(f, 16, index, 1);
         else
             Disp_RUP(f, 16, 1, (f.size() - 19) / 2);

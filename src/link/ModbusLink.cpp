@@ -168,7 +168,8 @@ void CommLink::dispatchModbus()
     };
 
     if (st >= Cmd::ReadUp && st < Cmd::ReadUpLastPiece) {
-        Disp_RUP(f, 3, (st - Cmd::ReadUp) * 120 + 1, 120);
+        if (!blockSendPosted())
+            Disp_RUP(f, 3, (st - Cmd::ReadUp) * 120 + 1, 120);
         s.CmdState = st + 1;
         return;
     }
@@ -234,7 +235,8 @@ void CommLink::dispatchModbus()
         statusStored(slot, decodeRcvModbus(QByteArrayView(f).sliced(std::min<qsizetype>(3, f.size()))));
         break;
     case Cmd::ReadUpLastPiece:
-        Disp_RUP(f, 3, 481, 32);
+        if (!blockSendPosted())
+            Disp_RUP(f, 3, 481, 32);
         s.CmdState = Cmd::ReadUpPlus;
         break;
     case Cmd::ReadUpPlus:

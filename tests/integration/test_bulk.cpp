@@ -13,12 +13,12 @@ class BulkTest : public QObject {
 
     ConsoleState &bringUp(const QString &protocol)
     {
-        [&] { QVERIFY(m_line.bringUp(protocol, QStringLiteral("1"), {true}, {}, {QStringLiteral("--no-pace")})); }();
-        return m_line.core->state();
+        m_line.startSim(protocol);
+        return m_line.startConsole();
     }
 
 private slots:
-    void cleanup() { m_line.reset(); }
+    void cleanup() { m_line.stop(); }
 
     void protocols_data()
     {

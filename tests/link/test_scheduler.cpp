@@ -349,6 +349,29 @@ private slots:
         QCOMPARE(commands(line)[at + 1], QByteArray("RRP"));
     }
 
+    // A set loaded for sending while the poll reads the machine's block: the
+    // block read under way does not replace the one about to be sent.
+    void blockReadDoesNotReplaceABlockAboutToBeSent()
+    {
+        LinkHarness h;
+        FakeLine line;
+        line.rrp[1] = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1}; // changed: every poll reads the block
+        connectLine(h, line);
+        bool posted = false;
+        h.port.responder = [&](const QByteArray &f) {
+            if (!posted && f.mid(4, 3) == "RUP") {
+                posted = true;
+                for (int r = 1; r <= 512; ++r)
+                    h.state->image.sprdUP.setNumber(1, r, 5);
+                h.state->requests().startParameterSend(false);
+            }
+            return line.answer(f);
+        };
+        QTRY_VERIFY(commands(line).contains("WUP"));
+        const QByteArray wup = line.seen[commands(line).indexOf("WUP")];
+        QCOMPARE(wup.mid(13, 1024), word(5).repeated(512));
+    }
+
     void stateWithoutAFrameStillReadsTheMailbox()
     {
         LinkHarness h;

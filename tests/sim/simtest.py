@@ -112,6 +112,35 @@ class SimCase(unittest.TestCase):
         return reply
 
 
+class ModbusCase(SimCase):
+    """A SimCase whose link is talked to by Debian's pymodbus, an independent
+    Modbus RTU client, as slave 1 unless told otherwise."""
+
+    serial = False
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        from pymodbus.client import ModbusSerialClient
+
+        cls.client = ModbusSerialClient(method="rtu", port=cls.sim.link, baudrate=115200, timeout=1, retries=0)
+        cls.client.connect()
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.client.close()
+        super().tearDownClass()
+
+    def read(self, start, count, slave=1):
+        r = self.client.read_holding_registers(start, count, slave=slave)
+        self.assertFalse(r.isError(), r)
+        return r.registers
+
+    def write(self, start, values, slave=1):
+        r = self.client.write_registers(start, values, slave=slave)
+        self.assertFalse(r.isError(), r)
+
+
 def request(machine, command, *args, data=None, crc=False):
     """A PC Link request: STX, machine, command, arguments, data, ETX CR LF [, sum]."""
     frame = b"\x02" + b"%03d" % machine + command.encode()

@@ -4,10 +4,9 @@ import logging
 import unittest
 
 import serial
-from pymodbus.client import ModbusSerialClient
 from pymodbus.file_message import FileRecord, ReadFileRecordRequest, WriteFileRecordRequest
 
-from simtest import SimCase, silent_for, temp_word
+from simtest import ModbusCase, SimCase, silent_for, temp_word
 
 logging.getLogger("pymodbus").setLevel(logging.CRITICAL)
 
@@ -21,29 +20,8 @@ def crc16(data):
     return bytes([crc & 0xFF, crc >> 8])
 
 
-class Registers(SimCase):
+class Registers(ModbusCase):
     options = ("--protocol", "Modbus RTU", "--machines", "1,5:2.09", "--seed", "0", "--speed", "0", "--no-pace")
-    serial = False
-
-    @classmethod
-    def setUpClass(cls):
-        super().setUpClass()
-        cls.client = ModbusSerialClient(method="rtu", port=cls.sim.link, baudrate=115200, timeout=1, retries=0)
-        cls.client.connect()
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.client.close()
-        super().tearDownClass()
-
-    def read(self, start, count, slave=1):
-        r = self.client.read_holding_registers(start, count, slave=slave)
-        self.assertFalse(r.isError(), r)
-        return r.registers
-
-    def write(self, start, values, slave=1):
-        r = self.client.write_registers(start, values, slave=slave)
-        self.assertFalse(r.isError(), r)
 
     def test_identity_gives_the_firmware(self):
         self.assertEqual(self.read(30001, 2)[1], 0x021F)

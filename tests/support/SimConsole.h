@@ -10,7 +10,7 @@
 struct SimConsole {
     QTemporaryDir dir;
     std::unique_ptr<SimProcess> sim;
-    std::unique_ptr<TestHome> home;
+    std::unique_ptr<TestHome> home = std::make_unique<TestHome>();
     std::unique_ptr<ConsoleCore> core;
 
     // The simulator with the given machines (and further options), its
@@ -44,4 +44,34 @@ struct SimConsole {
         home.reset();
         sim.reset();
     }
+
+    // The simulator alone (replies not paced) with COM1 of the same program
+    // folder on its line, kept between starts: the console comes after with
+    // startConsole(), or is a program of its own on the folder.
+    bool startSim(const QString &protocol, const QString &machines = QStringLiteral("1"), const QList<bool> &list = {true})
+    {
+        core.reset();
+        if (!home)
+            home = std::make_unique<TestHome>();
+        sim = std::make_unique<SimProcess>(dir.path());
+        home->writePortCfg(protocol);
+        home->mapPorts({QStringLiteral("COM1=") + sim->linkPath()});
+        home->machines(list);
+        return sim->start({QStringLiteral("--machines"), machines, QStringLiteral("--protocol"), protocol,
+                           QStringLiteral("--no-pace")});
+    }
+    // The console's core started on the folder, its port opened.
+    ConsoleState &startConsole()
+    {
+        core = std::make_unique<ConsoleCore>(home->path());
+        core->start();
+        core->togglePort();
+        return core->state();
+    }
+    void stop()
+    {
+        core.reset();
+        sim.reset();
+    }
+    bool ok(const QString &line) { return sim->command(line) == QLatin1String("ok"); }
 };

@@ -1,7 +1,7 @@
 // Pictures of the console's screens for the documentation, taken against the
 // demonstration line (qm730-sim beside this program):
 //
-//   qm730-shot [--home DIR] [--protocol P] [--wait S] [--via OPENER] [--cell TABLE:ROW:COL[:double]]...
+//   qm730-shot [--home DIR] [--protocol P] [--wait S] [--via OPENER] [--file NAME]... [--cell TABLE:ROW:COL[:double]]...
 //              [--click NAME[:INDEX]]... [--call METHOD=ARG]... [--after S] --out FILE SCREEN
 //   qm730-shot --list
 //
@@ -9,11 +9,13 @@
 // polls, does what the menu does before the screen opens, shows the screen,
 // waits, clicks the named table cells and then the named controls one after
 // another (a second apart), waits --after seconds more (for what a click
-// started), and saves the screen as drawn. A screen that another screen opens
+// started), and saves the screen as drawn. The screen's file dialog takes the
+// --file names in turn ("{home}" stands for the program folder). A screen that another screen opens
 // (a dialog asked from a sheet) is taken with --via, the screen shown first,
 // and --cell, the click on its sheet that opens it. SCREEN is a name of the screen registry or
 // frmQM730_Main. Run it under Xvfb (scripts/screenshots) for the fonts of a
 // real desktop.
+#include "CommonDialog.h"
 #include "ConsoleApplication.h"
 #include "ConsoleCore.h"
 #include "Demo.h"
@@ -26,7 +28,9 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDialog>
+#include <QDir>
 #include <QEventLoop>
+#include <QFileInfo>
 #include <QProcess>
 #include <QStringList>
 #include <QTableWidget>
@@ -77,7 +81,8 @@ int main(int argc, char **argv)
     const QCommandLineOption outOpt(QStringLiteral("out"), QStringLiteral("The PNG file to write."), QStringLiteral("FILE"));
     const QCommandLineOption listOpt(QStringLiteral("list"), QStringLiteral("List the screens that can be shown."));
     const QCommandLineOption viaOpt(QStringLiteral("via"), QStringLiteral("Show this screen first; SCREEN is what it opens."), QStringLiteral("OPENER"));
-    parser.addOptions({homeOpt, protocolOpt, waitOpt, viaOpt, cellOpt, clickOpt, callOpt, afterOpt, outOpt, listOpt});
+    const QCommandLineOption fileOpt(QStringLiteral("file"), QStringLiteral("A file name the screen's file dialog (CommonDialog1) takes in place of asking; may be repeated. {home} is the program folder."), QStringLiteral("NAME"));
+    parser.addOptions({homeOpt, protocolOpt, waitOpt, viaOpt, fileOpt, cellOpt, clickOpt, callOpt, afterOpt, outOpt, listOpt});
     parser.addPositionalArgument(QStringLiteral("screen"), QStringLiteral("Screen name."));
     parser.process(app);
 
@@ -97,8 +102,11 @@ int main(int argc, char **argv)
     const QString name = parser.positionalArguments().constFirst();
 
     QTemporaryDir temp;
-    const QString home = parser.isSet(homeOpt) ? parser.value(homeOpt) : temp.path();
-    if (!parser.isSet(homeOpt))
+    // A folder given is kept between pictures (one screen may read what
+    // another saved there); a new one gets the demonstration port settings.
+    const QString home = parser.isSet(homeOpt) ? QDir(parser.value(homeOpt)).absolutePath() : temp.path();
+    QDir().mkpath(home);
+    if (!QFileInfo::exists(home + QStringLiteral("/CommPort.CFG")))
         writeTextLinesAtomic(home + QStringLiteral("/CommPort.CFG"),
                              {QStringLiteral("COM1"), QStringLiteral("115200"), QStringLiteral("N"), QStringLiteral("8"),
                               QStringLiteral("1"), parser.value(protocolOpt), QStringLiteral("OFF")});
@@ -136,6 +144,9 @@ int main(int argc, char **argv)
             err << "the screen made nothing to show\n";
             return 1;
         }
+        for (CommonDialog *dialog : screen->findChildren<CommonDialog *>())
+            for (QString file : parser.values(fileOpt))
+                dialog->answerNext(file.replace(QStringLiteral("{home}"), home));
         screen->show();
         shown = screen.get();
     }
