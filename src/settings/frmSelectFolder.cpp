@@ -3,6 +3,7 @@
 #include "SaveSettings.h"
 #include <QComboBox>
 #include <QDir>
+#include <QEvent>
 #include <QFileInfo>
 #include <QFileSystemModel>
 #include <QHBoxLayout>
@@ -71,11 +72,19 @@ frmSelectFolder::frmSelectFolder(const QString &saveFolder, const QString &home,
     layout->addLayout(buttons);
     resize(420, 420);
 
+    // A click or a key in the folder list is the user's choice: the list
+    // stops opening towards the start folder. Moves of the current folder
+    // alone do not tell, as the model also moves it while folders load.
+    Dir1->installEventFilter(this);
+    Dir1->viewport()->installEventFilter(this);
+
     connect(Drive1, &QComboBox::activated, this, &frmSelectFolder::driveChanged);
     connect(Dir1->selectionModel(), &QItemSelectionModel::currentChanged, this, &frmSelectFolder::showSelected);
-    // Folders are read in the background: the list reaches the folder it
-    // starts at as each folder on the way has been read.
+    // Folders are read and sorted in the background: the list reaches the
+    // folder it starts at as each folder on the way has been read, and is
+    // brought back to it after every sort, which moves the rows under it.
     connect(m_model, &QFileSystemModel::directoryLoaded, this, &frmSelectFolder::revealTarget);
+    connect(m_model, &QAbstractItemModel::layoutChanged, this, &frmSelectFolder::revealTarget, Qt::QueuedConnection);
     connect(btnOK, &QPushButton::clicked, this, &frmSelectFolder::accept);
     connect(btnCancel, &QPushButton::clicked, this, &frmSelectFolder::reject);
 
@@ -105,11 +114,17 @@ void frmSelectFolder::revealTarget()
     const QModelIndex idx = m_model->index(m_target);
     if (!idx.isValid())
         return;
-    m_revealing = true;
     Dir1->setCurrentIndex(idx);
     Dir1->expand(idx);
     Dir1->scrollTo(idx, QAbstractItemView::PositionAtCenter);
-    m_revealing = false;
+}
+
+bool frmSelectFolder::eventFilter(QObject *watched, QEvent *event)
+{
+    const QEvent::Type t = event->type();
+    if (t == QEvent::MouseButtonPress || t == QEvent::KeyPress || t == QEvent::Wheel)
+        m_target.clear();
+    return QDialog::eventFilter(watched, event);
 }
 
 void frmSelectFolder::driveChanged(int index)
@@ -119,8 +134,6 @@ void frmSelectFolder::driveChanged(int index)
 
 void frmSelectFolder::showSelected()
 {
-    if (!m_revealing)
-        m_target.clear(); // the user's choice stays where it is
     const QModelIndex idx = Dir1->currentIndex();
     if (idx.isValid())
         lblFolder->setText(m_model->filePath(idx));

@@ -28,6 +28,7 @@ private:
     void showSelected();
     void revealTarget();
     void accept() override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
     QComboBox *Drive1;
     QTreeView *Dir1;
@@ -36,6 +37,5 @@ private:
     QPushButton *btnOK;
     QPushButton *btnCancel;
     QString m_folder;
-    QString m_target;        // the folder the list is opening to
-    bool m_revealing = false;
+    QString m_target; // the folder the list is opening to, until the user takes the list over
 };

@@ -1,12 +1,14 @@
 // Pictures of the console's screens for the documentation, taken against the
 // demonstration line (qm730-sim beside this program):
 //
-//   qm730-shot [--home DIR] [--protocol P] [--wait S] [--via OPENER] [--file NAME]... [--cell TABLE:ROW:COL[:double]]...
+//   qm730-shot [--home DIR] [--protocol P] [--sim COMMAND]... [--answer NAME]... [--wait S] [--via OPENER] [--file NAME]... [--cell TABLE:ROW:COL[:double]]...
 //              [--click NAME[:INDEX]]... [--call METHOD=ARG]... [--after S] --out FILE SCREEN
 //   qm730-shot --list
 //
 // It starts the simulated line, opens the port, waits for the scan and a few
-// polls, does what the menu does before the screen opens, shows the screen,
+// polls, gives the simulator the --sim control commands (a run started, a
+// burn-out) and lets the console poll what they changed, does what the menu
+// does before the screen opens, shows the screen,
 // waits, clicks the named table cells and then the named controls one after
 // another (a second apart), waits --after seconds more (for what a click
 // started), and saves the screen as drawn. The screen's file dialog takes the
@@ -31,6 +33,8 @@
 #include <QDir>
 #include <QEventLoop>
 #include <QFileInfo>
+#include <QLineEdit>
+#include <QLocalSocket>
 #include <QProcess>
 #include <QStringList>
 #include <QTableWidget>
@@ -61,6 +65,21 @@ QAbstractButton *findButton(QWidget *root, const QString &step)
     return nullptr;
 }
 
+// One control command to the simulator; its answer line, or why there is none.
+QString simCommand(const QString &socketPath, const QString &command)
+{
+    QLocalSocket socket;
+    socket.connectToServer(socketPath);
+    if (!socket.waitForConnected(2000))
+        return QStringLiteral("error: ") + socket.errorString();
+    socket.write(command.toUtf8() + '\n');
+    socket.flush();
+    while (!socket.canReadLine())
+        if (!socket.waitForReadyRead(2000))
+            return QStringLiteral("error: no answer");
+    return QString::fromUtf8(socket.readLine()).trimmed();
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -82,7 +101,9 @@ int main(int argc, char **argv)
     const QCommandLineOption listOpt(QStringLiteral("list"), QStringLiteral("List the screens that can be shown."));
     const QCommandLineOption viaOpt(QStringLiteral("via"), QStringLiteral("Show this screen first; SCREEN is what it opens."), QStringLiteral("OPENER"));
     const QCommandLineOption fileOpt(QStringLiteral("file"), QStringLiteral("A file name the screen's file dialog (CommonDialog1) takes in place of asking; may be repeated. {home} is the program folder."), QStringLiteral("NAME"));
-    parser.addOptions({homeOpt, protocolOpt, waitOpt, viaOpt, fileOpt, cellOpt, clickOpt, callOpt, afterOpt, outOpt, listOpt});
+    const QCommandLineOption answerOpt(QStringLiteral("answer"), QStringLiteral("On a screen that the screen opens as it loads (the password check), a control to click, or NAME=TEXT a text box to fill; may be repeated."), QStringLiteral("NAME"));
+    const QCommandLineOption simOpt(QStringLiteral("sim"), QStringLiteral("A control command for the simulator before the screen opens (\"set 2 rrp 1 1\"); may be repeated."), QStringLiteral("COMMAND"));
+    parser.addOptions({homeOpt, protocolOpt, simOpt, answerOpt, waitOpt, viaOpt, fileOpt, cellOpt, clickOpt, callOpt, afterOpt, outOpt, listOpt});
     parser.addPositionalArgument(QStringLiteral("screen"), QStringLiteral("Screen name."));
     parser.process(app);
 
@@ -128,6 +149,16 @@ int main(int argc, char **argv)
     for (int i = 0; i < 100 && core.state().CmdState == Cmd::Who; ++i)
         waitMs(100);
     waitMs(2500);
+    if (parser.isSet(simOpt)) {
+        for (const QString &command : parser.values(simOpt)) {
+            const QString answer = simCommand(home + QStringLiteral("/sim-control"), command);
+            if (answer.startsWith(QLatin1String("error"))) {
+                err << command << ": " << answer << '\n';
+                return 1;
+            }
+        }
+        waitMs(3000); // polls of what the commands changed
+    }
 
     QWidget *shown = &main;
     std::unique_ptr<QDialog> screen;
@@ -147,6 +178,31 @@ int main(int argc, char **argv)
         for (CommonDialog *dialog : screen->findChildren<CommonDialog *>())
             for (QString file : parser.values(fileOpt))
                 dialog->answerNext(file.replace(QStringLiteral("{home}"), home));
+        // A screen that asks something as it loads (the password check) does
+        // so inside show(): the answers are clicked from a timer, which runs
+        // in the asking screen's own loop.
+        QStringList answers = parser.values(answerOpt);
+        auto *answering = new QTimer(&app);
+        answering->setInterval(500);
+        QObject::connect(answering, &QTimer::timeout, [&answers, answering, &screen] {
+            QWidget *asking = QApplication::activeModalWidget();
+            if (answers.isEmpty()) {
+                answering->stop();
+            } else if (asking && asking != screen.get()) {
+                const QString step = answers.constFirst();
+                if (step.contains(u'=')) {
+                    if (auto *box = asking->findChild<QLineEdit *>(step.section(u'=', 0, 0))) {
+                        answers.removeFirst();
+                        box->setText(step.section(u'=', 1));
+                    }
+                } else if (QAbstractButton *b = findButton(asking, step)) {
+                    answers.removeFirst();
+                    b->click();
+                }
+            }
+        });
+        if (!answers.isEmpty())
+            answering->start();
         screen->show();
         shown = screen.get();
     }
