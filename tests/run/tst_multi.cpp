@@ -197,11 +197,8 @@ private slots:
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("shown");
         QTest::addColumn<int>("word");
-        QTest::newRow("temp low end") << "TEMP. SV" << "-100" << "-100" << 0;
-        QTest::newRow("temp high end") << "TEMP. SV" << "200" << "200" << 30000;
         QTest::newRow("temp below") << "TEMP. SV" << "-150" << "-100" << 0;
         QTest::newRow("temp half even") << "TEMP. SV" << "25.555" << "25.555" << 12556;
-        QTest::newRow("humi") << "HUMI. SV" << "60" << "60" << 600;
         QTest::newRow("humi above") << "HUMI. SV" << "120" << "100" << 1000;
         QTest::newRow("empty segment") << "START SEG" << "" << "1" << 1;
         QTest::newRow("segment above") << "START SEG" << "101" << "100" << 100;
