@@ -24,10 +24,12 @@ private slots:
         s.CurrentMachine = 1;
         s.applyFirmwareOfRow(1);
         f.core->link().update_menus();
-        ModalDriver unlock; // the system pages open to the password
-        unlock.dialog("btnOK", "txtSysPass", QStringLiteral("NOLK8264"));
-        f.item("mSysLock")->trigger();
-        QVERIFY(unlock.done() && unlock.unexpected.isEmpty());
+        {
+            ModalDriver unlock; // the system pages open to the password
+            unlock.dialog("btnOK", "txtSysPass", QStringLiteral("NOLK8264"));
+            f.item("mSysLock")->trigger();
+            QVERIFY(unlock.done() && unlock.unexpected.isEmpty());
+        }
 
         const QList<QPair<const char *, const char *>> entries{
             {"mFuncRun", "frmQM730Func_Run"},      {"mFuncGrpSave", "frmQM730Func_GrpSave"},

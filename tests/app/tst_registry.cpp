@@ -35,8 +35,9 @@ class RegistryTest : public QObject {
         }
         QWidget parent;
         parent.setObjectName(QStringLiteral("frmQM730_Main"));
+        const ScreenRegistry registry = ScreenRegistry::console();
         int opened = 0;
-        for (const ScreenRegistry::Entry &e : ScreenRegistry::console().entries()) {
+        for (const ScreenRegistry::Entry &e : registry.entries()) {
             if (!e.make)
                 continue;
             ModalDriver d;

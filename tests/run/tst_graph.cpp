@@ -95,18 +95,20 @@ private slots:
         QCOMPARE(b.graph().value(0, 0), 25.0);
         QCOMPARE(b.graph().value(1, 1), 60.0);
         QCOMPARE(b.graph().drawnRuns(2), 0);
-        b.rcv({{Rcv::TempPV, 12450}, {Rcv::HumiPV, 65535}});
+        b.rcv(Rcv::TempPV, 12450);
         b.second();
         QCOMPARE(b.graph().value(2, 2), 24.5);
+        QCOMPARE(b.graph().value(3, 2), 58.3);
+        b.rcv(Rcv::HumiPV, 65535);
+        b.second();
         QCOMPARE(b.text("lblPV_H"), QStringLiteral("---.-"));
         b.rcv(Rcv::HumiPV, 590);
         b.second();
-        QVERIFY(TrendChart::isGap(b.graph().value(3, 2)));
+        QVERIFY(TrendChart::isGap(b.graph().value(3, 3)));
         for (int s : {0, 1, 2})
-            QVERIFY(!TrendChart::isGap(b.graph().value(s, 2)));
-        QCOMPARE(b.graph().value(3, 3), 59.0);
+            QVERIFY(!TrendChart::isGap(b.graph().value(s, 3)));
+        QCOMPARE(b.graph().value(3, 4), 59.0);
         QCOMPARE(b.graph().drawnRuns(3), 2);
-        QCOMPARE(b.graph().drawnPoints(3), 3);
         for (int s : {0, 1, 2})
             QCOMPARE(b.graph().drawnRuns(s), 1);
     }
