@@ -76,14 +76,14 @@ struct RunBench {
         auto *e = find<QLineEdit>(name);
         return e ? e->text() : QString();
     }
-    // The expected texts the screen does not show, with what it shows instead.
-    QStringList differ(std::initializer_list<std::pair<const char *, const char *>> expected) const
+    // The expected texts the screen does not show, with what it shows instead; empty when all match.
+    QString differ(std::initializer_list<std::pair<const char *, const char *>> expected) const
     {
         QStringList out;
         for (const auto &[name, want] : expected)
             if (text(name) != QString::fromUtf8(want))
                 out << QStringLiteral("%1 = %2, not %3").arg(QLatin1String(name), text(name), QString::fromUtf8(want));
-        return out;
+        return out.join(QStringLiteral("; "));
     }
     // Visible within the screen, whether or not the screen itself is shown.
     bool shown(const char *name) const

@@ -47,14 +47,14 @@ private slots:
                            {"lblSeg_Time", "0001:02/0003:04"}, {"lblPTN_SEG", "005:006"}, {"lblPTN_RPT", "001/002"},
                            {"lblSEG_RPT", "003/004"}, {"lblG_SV_T", "溫度 SV : 10.00"}, {"lblG_PV_H", "濕度 PV : 58.3"},
                            {"txtTSV", "25.00"}, {"txtTOnly_Ctrl_SV", "25.00"}, {"txtHSV", "60.0"}}),
-                 QStringList());
+                 QString());
 
         // Running, the present setpoints, with the controller's resolution.
         b.rrp(Rrp::Run, 1);
         b.state.image.setTempDecimals(1);
         b.tick();
         QCOMPARE(b.differ({{"txtTSV", "10.0"}, {"txtTOnly_Ctrl_SV", "10.0"}, {"txtHSV", "45.0"}, {"lblTPV", "24.5"}}),
-                 QStringList());
+                 QString());
         QVERIFY(b.find<QPushButton>("btnDate")->text().startsWith(QDate::currentDate().toString(Qt::ISODate)));
     }
 
@@ -66,11 +66,11 @@ private slots:
         b.rcv({{Rcv::TempPV, 65535}, {Rcv::HumiPV, 65535}});
         b.tick();
         QCOMPARE(b.differ({{"lblTPV", "---.--"}, {"lblPV_T", "---.--"}, {"lblHPV", "---.-"}, {"lblPV_H", "---.-"}}),
-                 QStringList());
+                 QString());
         QVERIFY(!b.shown("picUPDN_T") && !b.shown("picUPDN_H"));
         b.rcv({{Rcv::TempPV, 12000}, {Rcv::HumiPV, 500}});
         b.tick();
-        QCOMPARE(b.differ({{"lblTPV", "20.00"}, {"lblHPV", "50.0"}}), QStringList());
+        QCOMPARE(b.differ({{"lblTPV", "20.00"}, {"lblHPV", "50.0"}}), QString());
         QVERIFY(b.shown("picUPDN_T") && b.shown("picUPDN_H"));
     }
 
@@ -205,7 +205,7 @@ private slots:
         QCOMPARE(b.text("lblTOnly_CtrlPV"), QStringLiteral("24.50"));
         b.view(1);
         QVERIFY(b.shown("picTOnly_Sts") && !b.shown("lblTonly_Sts_NSV"));
-        QCOMPARE(b.differ({{"lblTonly_Sts_TSV", "25.00"}, {"lblTonly_Sts_MV", "12.50"}}), QStringList());
+        QCOMPARE(b.differ({{"lblTonly_Sts_TSV", "25.00"}, {"lblTonly_Sts_MV", "12.50"}}), QString());
 
         // Program mode: pattern, segment and the present SV.
         b.rcv(Rcv::RunMode, 0);
@@ -325,7 +325,7 @@ private slots:
         b.tick();
         QVERIFY(b.shown("picPreDate"));
         QCOMPARE(b.differ({{"lblPreMsg", "預約運轉"}, {"lblReservedDate", "2026-03-01"}, {"lblReservedTime", "08:05:00"}}),
-                 QStringList());
+                 QString());
         QVERIFY(blink->isActive());
         QCOMPARE(blink->interval(), 500);
         // Each blink swaps the colours of the panel and of its message.
