@@ -51,6 +51,16 @@ private slots:
         // Read-only: a double click selects nothing.
         doubleClickCell(b.view("sprdList"), 2, B::ColTempPV);
         QVERIFY(b.view("sprdList")->selectionModel()->selectedIndexes().isEmpty());
+
+        // Machine 3 falls silent: "不良" on red, its figures kept; the others go on.
+        b.setOnline(0, false);
+        b.rcv(0, Rcv::TempPV, 13000);
+        b.rcv(1, Rcv::TempPV, 13000);
+        form.tmrRefresh_Timer();
+        QCOMPARE(b.text(2, B::ColLink), QStringLiteral("不良"));
+        QCOMPARE(b.cell(2, B::ColLink).back, QColor(255, 0, 0));
+        QCOMPARE(b.text(2, B::ColTempPV), QStringLiteral("24.50"));
+        QCOMPARE(b.text(5, B::ColTempPV), QStringLiteral("30.00"));
     }
 
     void humidityOutOfControlRange_data()
@@ -88,20 +98,6 @@ private slots:
         b.rcv(2, Rcv::HumiPV, humiPv);
         b.open();
         QCOMPARE(b.text(B::figureRow(2), B::ColHumiPV), shown);
-    }
-
-    void silentMachineKeepsItsFigures()
-    {
-        Bench b;
-        B &form = b.open();
-        b.setOnline(0, false);
-        b.rcv(0, Rcv::TempPV, 13000);
-        b.rcv(1, Rcv::TempPV, 13000);
-        form.tmrRefresh_Timer();
-        QCOMPARE(b.text(2, B::ColLink), QStringLiteral("不良"));
-        QCOMPARE(b.cell(2, B::ColLink).back, QColor(255, 0, 0));
-        QCOMPARE(b.text(2, B::ColTempPV), QStringLiteral("24.50"));
-        QCOMPARE(b.text(5, B::ColTempPV), QStringLiteral("30.00"));
     }
 
     void colourChangePaintsTheGroupAndIsKept()
