@@ -30,44 +30,6 @@ QStringList switchedOn(MainFixture &f)
 class MainWindowTest : public QObject {
     Q_OBJECT
 private slots:
-    void captions()
-    {
-        MainFixture f;
-        QCOMPARE(f.window->windowTitle(), QStringLiteral("QM730 OV5.1.0"));
-        for (const QString &pair : QStringLiteral(
-                 "mSet=通訊管理|mOnline=連線|mPrg=程式設定|mFunc=運轉設定|mSys=系統設定|mHelp=幫助").split('|'))
-            QCOMPARE(f.menu(pair.section('=', 0, 0))->title(), pair.section('=', 1));
-        for (const QString &pair : QStringLiteral(
-                 "mSetPort=通訊參數|mSetChannel=監控模式|mSetDataSave=數據儲存|mSetEMail=&E-mail|mSetSysPass=密碼變更|"
-                 "mExit=退出|mOnlinePortOpen=通訊端口開啟|mOnlineDownload=參數接收/檔案儲存|mOnlineUpload=檔案讀取/參數傳送|"
-                 "mOnlineDateTime=日期/時間設定|mOnlineScreen=擷取儀表當前畫面|mOnlineRun=單機操作|mOnlineRunMulti=多機操作|"
-                 "mOnlineMonMulti=多機監控|mPrgPTN=程式組設定|mPrgSEG=程式段設定|mPrgManagement=程式管理|mFuncRun=運轉設定|"
-                 "mFuncGrpSave=曲線儲存設定|mSysLock=鎖開啟|mSysSensor=傳感器輸入設定|mSysControl=控制輸出設定|"
-                 "mSysInner=內部信號設定|mSysAlarm=系統警報設定|mSysPID=PID 設定|mSysDI=D/I 狀態設定|mSysDO=D/O 狀態設定|"
-                 "mSysCommunication=通信設定|mSysETC=其他設定|mHelpAbout=關於|mHelpHelp=幫助|mHelpManual=QM730 操作手册|"
-                 "mHelpGV=歷史數據查看|mHelpHistory=歷史事件查看|mHelpCommData=通訊狀態查看|mHelpLock=Program &Lock")
-                                       .split('|')) {
-            QAction *a = f.item(pair.section('=', 0, 0));
-            QVERIFY2(a, qPrintable(pair));
-            QCOMPARE(a->text(), pair.section('=', 1));
-        }
-        const QStringList buttons = QStringLiteral(
-            "通訊端口開啟|日期/時間設定|單機|程式組設定|程式段設定|程式管理|運轉設定|曲線儲存設定|傳感器輸入設定|"
-            "控制輸出設定|內部信號設定|系統警報設定|PID 設定|D/I 狀態設定|D/O 狀態設定|通信設定|其他設定|多機|多機監控").split('|');
-        QCOMPARE(f.window->findChildren<QPushButton *>(QStringLiteral("btnMenu")).size(), 19);
-        for (int i = 0; i < 19; ++i)
-            QCOMPARE(f.button(i)->text(), buttons[i]);
-        QStringList labels;
-        for (QLabel *l : f.window->findChildren<QLabel *>())
-            labels << l->text();
-        for (const QString &t : QStringLiteral("連線|程式設定|運轉設定|系統設定|傳送|接收|連接確認中 ...").split('|'))
-            QVERIFY2(labels.contains(t), qPrintable(t));
-        const auto options = f.window->findChildren<QRadioButton *>(QStringLiteral("optPTN_Data"));
-        QCOMPARE(options.size(), 2);
-        QCOMPARE(options[0]->text() + options[1]->text(), QStringLiteral("從QM730從文件"));
-        QCOMPARE(options[1]->property("Index").toInt(), 1);
-    }
-
     void startAndPortOnPty()
     {
         Pty pty;
@@ -75,6 +37,7 @@ private slots:
             h.mapPorts({"COM1=" + pty.path, "COM2=/nonexistent/ttyQM"});
             h.machines({true, false, true});
         });
+        QCOMPARE(f.window->windowTitle(), QStringLiteral("QM730 OV5.1.0"));
         QCOMPARE(QStringList({f.panel(1), f.panel(2), f.panel(6)}), QStringList({"COM1", "115200,N,8,1", "PC Link"}));
         QCOMPARE(f.widget<QTableView>("sprdStatus")->model()->index(1, 0).data().toString(), QStringLiteral("3"));
         QCOMPARE(switchedOn(f), QStringList({"mSetPort", "mSetChannel"}));
@@ -82,14 +45,13 @@ private slots:
         // A port that cannot be opened changes nothing and says nothing.
         ModalDriver d;
         f.state().CommPortNo = 2;
+        // The menu entry, its button and the status panel.
+        auto port = [&f] { return QStringList{f.item("mOnlinePortOpen")->text(), f.button(0)->text(), f.panel(3)}; };
         f.item("mOnlinePortOpen")->trigger();
-        QCOMPARE(f.item("mOnlinePortOpen")->text(), QStringLiteral("通訊端口開啟"));
-        QVERIFY(f.panel(3).isEmpty());
+        QCOMPARE(port(), QStringList({"通訊端口開啟", "通訊端口開啟", ""}));
         f.state().CommPortNo = 1;
         QTest::mouseClick(f.button(0), Qt::LeftButton);
-        QCOMPARE(f.item("mOnlinePortOpen")->text(), QStringLiteral("通訊端口關閉"));
-        QCOMPARE(f.button(0)->text(), QStringLiteral("通訊端口關閉"));
-        QCOMPARE(f.panel(3), QStringLiteral("OPEN"));
+        QCOMPARE(port(), QStringList({"通訊端口關閉", "通訊端口關閉", "OPEN"}));
         QVERIFY(f.widget("lblMsg_STS")->isVisible());
         QByteArray line; // the scan's first WHO reaches the far end
         QTRY_VERIFY((line += pty.readMaster()).contains("WHO"));
@@ -97,9 +59,7 @@ private slots:
         f.state().machines[0].MachineOnline = true; // as if a machine had answered
         f.core->link().update_menus();
         f.item("mOnlinePortOpen")->trigger();
-        QCOMPARE(f.item("mOnlinePortOpen")->text(), QStringLiteral("通訊端口開啟"));
-        QCOMPARE(f.button(0)->text(), QStringLiteral("通訊端口開啟"));
-        QCOMPARE(f.panel(3), QStringLiteral("CLOSE"));
+        QCOMPARE(port(), QStringList({"通訊端口開啟", "通訊端口開啟", "CLOSE"}));
         QVERIFY(!f.widget("lblMsg_STS")->isVisible());
         QVERIFY(!f.core->link().isPortOpen());
         QCOMPARE(switchedOn(f), QStringList({"mSetPort", "mSetChannel"}));
@@ -256,21 +216,17 @@ private slots:
         QVERIFY(!f.core->recorder().database().isOpen());
     }
 
-    void patternSourceWithoutAFileIsTheController()
+    void patternSource()
     {
+        // Without a file, or with an index out of range: from the controller.
         for (const QString &line : {QString(), QStringLiteral("7")}) {
             MainFixture f([&](TestHome &h) {
                 if (!line.isNull())
                     writeTextLinesAtomic(h.path() + "/PTN_Recv.OPT", {line});
             });
-            const auto options = f.window->findChildren<QRadioButton *>(QStringLiteral("optPTN_Data"));
-            QVERIFY(options[0]->isChecked() && !options[1]->isChecked());
+            QVERIFY(f.window->findChildren<QRadioButton *>(QStringLiteral("optPTN_Data"))[0]->isChecked());
             QCOMPARE(f.state().PtnDataOption, 0);
         }
-    }
-
-    void patternSource()
-    {
         MainFixture f([](TestHome &h) { writePtnRecvOpt(h.path(), 1); });
         const auto options = f.window->findChildren<QRadioButton *>(QStringLiteral("optPTN_Data"));
         QVERIFY(!options[0]->isChecked() && options[1]->isChecked());
@@ -313,12 +269,15 @@ private slots:
         f.state().RefreshOnOpen = false;
         f.item("mOnlineRunMulti")->trigger();
         QVERIFY(!f.state().RefreshOnOpen);
-        f.item("mFuncRun")->trigger();
-        QVERIFY(f.state().RefreshOnOpen);
+        f.state().ReqCmd = 0;
+        f.item("mFuncRun")->trigger(); // a page: refreshed on open, nothing read first
+        QVERIFY(f.state().RefreshOnOpen && f.state().ReqCmd == 0);
         f.state().RefreshOnOpen = false;
         f.button(2)->click(); // the button stands for mOnlineRun
         QVERIFY(f.state().RefreshOnOpen);
-        f.item("mPrgPTN")->trigger(); // no opener yet: no effect
+        f.state().RefreshOnOpen = false;
+        f.item("mPrgPTN")->trigger(); // no opener: no effect at all
+        QVERIFY(!f.state().RefreshOnOpen);
         QCOMPARE(opened, QStringList({"frmQM730_Set_Multi", "frmQM730_RunSimple", "frmQM730_RunMulti",
                                       "frmQM730Func_Run", "frmQM730_RunSimple"}));
         QCOMPARE(parents, QList<QWidget *>(opened.size(), f.window.get()));

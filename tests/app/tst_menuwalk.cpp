@@ -1,7 +1,6 @@
-// The operator's way into the parameter pages: every entry of the run
-// settings and system menus, with the port open and a machine online, opens
-// the screen named for it (when that screen is built), which closes again
-// without a message box and gives the refresh back to the main screen.
+// Every entry of the run settings and system menus, with the port open and a
+// machine online, opens its screen (when built), which holds the refresh while
+// open and gives it back to the main screen on closing, without a message box.
 #include "MainFixture.h"
 #include "ScreenRegistry.h"
 
@@ -26,46 +25,39 @@ private slots:
         s.applyFirmwareOfRow(1);
         f.core->link().update_menus();
         {
-            // The system pages open to the password.
-            ModalDriver d;
-            d.dialog("btnOK", "txtSysPass", QStringLiteral("NOLK8264"));
+            ModalDriver unlock; // the system pages open to the password
+            unlock.dialog("btnOK", "txtSysPass", QStringLiteral("NOLK8264"));
             f.item("mSysLock")->trigger();
-            QVERIFY(d.done() && d.unexpected.isEmpty());
+            QVERIFY(unlock.done() && unlock.unexpected.isEmpty());
         }
 
-        // The entries of the two menus and the screen each stands for.
         const QList<QPair<const char *, const char *>> entries{
-            {"mFuncRun", "frmQM730Func_Run"},          {"mFuncGrpSave", "frmQM730Func_GrpSave"},
-            {"mSysSensor", "frmQM730SYS_Sensor"},      {"mSysControl", "frmQM730SYS_Control"},
-            {"mSysInner", "frmQM730SYS_InnerNew"},     {"mSysAlarm", "frmQM730SYS_Alarm"},
-            {"mSysPID", "frmQM730SYS_PID"},            {"mSysDI", "frmQM730SYS_DI"},
-            {"mSysDO", "frmQM730SYS_DO"},              {"mSysCommunication", "frmQM730SYS_Comm"},
+            {"mFuncRun", "frmQM730Func_Run"},      {"mFuncGrpSave", "frmQM730Func_GrpSave"},
+            {"mSysSensor", "frmQM730SYS_Sensor"},  {"mSysControl", "frmQM730SYS_Control"},
+            {"mSysInner", "frmQM730SYS_InnerNew"}, {"mSysAlarm", "frmQM730SYS_Alarm"},
+            {"mSysPID", "frmQM730SYS_PID"},        {"mSysDI", "frmQM730SYS_DI"},
+            {"mSysDO", "frmQM730SYS_DO"},          {"mSysCommunication", "frmQM730SYS_Comm"},
             {"mSysETC", "frmQM730SYS_ETC"}};
         const ScreenRegistry registry = ScreenRegistry::console();
         int walked = 0;
         for (const auto &[item, screen] : entries) {
-            QAction *action = f.item(QLatin1String(item));
-            QVERIFY2(action, item);
             const ScreenRegistry::Entry *entry = registry.find(QLatin1String(screen));
-            QVERIFY2(entry, screen);
+            QVERIFY2(entry && f.item(item), screen);
             if (!entry->make)
                 continue; // not built yet
-            QVERIFY2(action->isEnabled(), item);
+            QVERIFY2(f.item(item)->isEnabled(), item);
             ModalDriver d;
             bool registered = false;
             d.then([&registered, &s](QWidget *w) {
-                // While the page is open it is the one the link's replies refresh.
                 registered = s.ParamPageOpen && s.ActiveRefreshTimer
                              && s.ActiveRefreshTimer == w->findChild<QTimer *>(QStringLiteral("tmrRefresh"));
                 static_cast<QDialog *>(w)->reject();
             });
-            action->trigger();
+            f.item(item)->trigger();
             QTRY_VERIFY2(d.done(), item);
             QCOMPARE(d.met, QStringList{QLatin1String(screen)});
             QVERIFY2(d.unexpected.isEmpty(), qPrintable(d.unexpected.join(u',')));
-            QVERIFY2(registered, screen);
-            QVERIFY2(s.ActiveRefreshTimer == &f.core->tmrRefresh, screen);
-            QVERIFY2(!s.ParamPageOpen, screen);
+            QVERIFY2(registered && s.ActiveRefreshTimer == &f.core->tmrRefresh && !s.ParamPageOpen, screen);
             ++walked;
         }
         QVERIFY(walked >= 8);

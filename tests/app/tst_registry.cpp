@@ -1,33 +1,24 @@
 // Every screen of the registry opens and closes, with the link closed and
-// with a machine online, without a crash and without a message box; and the
-// registry does what happens before a screen opens.
+// with a machine online, without a crash and without a message box.
 #include "ConsoleCore.h"
 #include "FakeCommPort.h"
 #include "ModalDriver.h"
 #include "ScreenRegistry.h"
 #include "TestHome.h"
 #include <QDialog>
-#include <QMessageBox>
 #include <QtTest>
-
-namespace {
-
-// Windows a screen opens by itself as it opens (a password asked before a
-// page, the program fetch before an editor): answered by closing them.
-const QMap<QString, QStringList> kOpensByDesign = {
-    {"frmQM730_SysPass_Reg", {"frmQM730_SysPass_Chk"}},
-    {"frmQM730Prg_PTN", {"frmQM730_PTN_Recv"}},
-    {"frmQM730Prg_SEG", {"frmQM730_PTN_Recv"}},
-    {"frmQM730Prg_Managemen", {"frmQM730_PTN_Recv"}},
-};
-
-} // namespace
 
 class RegistryTest : public QObject {
     Q_OBJECT
 
     void openEveryScreen(bool linkOpen)
     {
+        // Windows a screen opens by itself (a password before a page, the
+        // program fetch before an editor), answered by closing them.
+        const QMap<QString, QString> opensByDesign = {{"frmQM730_SysPass_Reg", "frmQM730_SysPass_Chk"},
+                                                      {"frmQM730Prg_PTN", "frmQM730_PTN_Recv"},
+                                                      {"frmQM730Prg_SEG", "frmQM730_PTN_Recv"},
+                                                      {"frmQM730Prg_Managemen", "frmQM730_PTN_Recv"}};
         TestHome home;
         ConsoleCore core(home.path(), std::make_unique<FakeCommPort>());
         QCOMPARE(core.start(), ConsoleCore::StartResult::Ok);
@@ -58,12 +49,11 @@ class RegistryTest : public QObject {
             screen->reject();
             screen.reset();
             QTest::qWait(20);
-            QStringList unexpected = d.unexpected;
-            for (const QString &w : kOpensByDesign.value(e.name))
-                unexpected.removeAll(w);
-            QVERIFY2(unexpected.isEmpty(), qPrintable(e.name + QStringLiteral(" opened: ") + unexpected.join(u',')));
-            QVERIFY2(s.ActiveRefreshTimer == &core.tmrRefresh, qPrintable(e.name + QStringLiteral(" kept the refresh")));
-            QVERIFY2(!s.ParamPageOpen, qPrintable(e.name + QStringLiteral(" left ParamPageOpen")));
+            if (opensByDesign.contains(e.name))
+                d.unexpected.removeAll(opensByDesign[e.name]);
+            QVERIFY2(d.unexpected.isEmpty(), qPrintable(e.name + " opened: " + d.unexpected.join(u',')));
+            QVERIFY2(s.ActiveRefreshTimer == &core.tmrRefresh, qPrintable(e.name + " kept the refresh"));
+            QVERIFY2(!s.ParamPageOpen, qPrintable(e.name + " left ParamPageOpen"));
             ++opened;
         }
         QVERIFY(opened >= 10);
@@ -73,37 +63,6 @@ class RegistryTest : public QObject {
 private slots:
     void everyScreenOpensWithTheLinkClosed() { openEveryScreen(false); }
     void everyScreenOpensWithAMachineOnline() { openEveryScreen(true); }
-
-    void beforeStepsAndScreensWithoutAMaker()
-    {
-        TestHome home;
-        ConsoleCore core(home.path(), std::make_unique<FakeCommPort>());
-        QCOMPARE(core.start(), ConsoleCore::StartResult::Ok);
-        ConsoleState &s = core.state();
-        ScreenRegistry registry = ScreenRegistry::console();
-        QStringList made;
-        for (const char *name : {"frmQM730_RunSimple", "frmQM730SYS_Sensor", "frmQM730_RunMulti"})
-            registry.setMaker(QLatin1String(name), [&made, name](ScreenContext &, QWidget *) {
-                made << QLatin1String(name);
-                return std::unique_ptr<QDialog>();
-            });
-        QVERIFY(registry.open(QStringLiteral("frmQM730_RunSimple"), core.context(), nullptr));
-        QCOMPARE(s.ReqCmd, 3); // the parameter block is read first
-        QVERIFY(s.RefreshOnOpen);
-        s.ReqCmd = 0;
-        s.RefreshOnOpen = false;
-        QVERIFY(registry.open(QStringLiteral("frmQM730SYS_Sensor"), core.context(), nullptr));
-        QVERIFY(s.RefreshOnOpen && s.ReqCmd == 0);
-        s.RefreshOnOpen = false;
-        QVERIFY(registry.open(QStringLiteral("frmQM730_RunMulti"), core.context(), nullptr));
-        QVERIFY(!s.RefreshOnOpen);
-        QCOMPARE(made, QStringList({"frmQM730_RunSimple", "frmQM730SYS_Sensor", "frmQM730_RunMulti"}));
-        // Without a maker nothing happens at all.
-        registry.setMaker(QStringLiteral("frmQM730SYS_Control"), {});
-        QVERIFY(!registry.open(QStringLiteral("frmQM730SYS_Control"), core.context(), nullptr));
-        QVERIFY(!s.RefreshOnOpen);
-        core.shutdown();
-    }
 };
 
 QTEST_MAIN(RegistryTest)

@@ -30,16 +30,11 @@ struct MultiBench {
                 rrp(slot, r, 0);
             for (int r = 1; r <= Rcv::Count; ++r)
                 rcv(slot, r, 0);
-            rrp(slot, Rrp::TempPID, 1);
-            rrp(slot, Rrp::StartPattern, 1);
-            rrp(slot, Rrp::StartSegment, 1);
-            rcv(slot, Rcv::TempSV, 12500);
-            rcv(slot, Rcv::TempPV, 12450);
-            rcv(slot, Rcv::TempMV, 1250);
-            rcv(slot, Rcv::HumiSV, 600);
-            rcv(slot, Rcv::HumiPV, 583);
-            rcv(slot, Rcv::HumiMV, 3020);
-            rcv(slot, Rcv::RunMode, 1);
+            for (auto [r, v] : {std::pair{Rrp::TempPID, 1}, {Rrp::StartPattern, 1}, {Rrp::StartSegment, 1}})
+                rrp(slot, r, v);
+            for (auto [r, v] : {std::pair{Rcv::TempSV, 12500}, {Rcv::TempPV, 12450}, {Rcv::TempMV, 1250},
+                                {Rcv::HumiSV, 600}, {Rcv::HumiPV, 583}, {Rcv::HumiMV, 3020}, {Rcv::RunMode, 1}})
+                rcv(slot, r, v);
         }
     }
 

@@ -2,12 +2,10 @@
 #include "ConsoleState.h"
 #include "Dictionary.h"
 #include "LiveStatus.h"
-#include "RunLogger.h"
 #include "ScreenBench.h"
 #include "Widgets.h"
 #include "frmQM730_RunSimple.h"
 #include <QApplication>
-#include <QFont>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -15,15 +13,14 @@
 #include <QTest>
 #include <memory>
 
-// A console with one machine (number 7) in the foreground, online, its tables
-// filled by hand as a stopped chamber in fixed mode at 25.00 degrees and 60.0 %
-// would leave them. The screen is made on demand, after the test has set the
-// tables it wants the load to see.
+// Machine 7 in the foreground, online, its tables as a chamber stopped in
+// fixed mode at 25.00 degrees and 60.0 % leaves them. The screen is made by
+// open(), after the test has set the tables its load should see.
 struct RunBench {
+    using Rows = std::initializer_list<std::pair<int, qint64>>;
     QTemporaryDir home;
     ScreenBench bench{home.path(), {}};
     ConsoleState &state = bench.state;
-    RunLogger &logger = bench.recorder.runLog();
     std::unique_ptr<frmQM730_RunSimple> form;
 
     explicit RunBench(double firmware = 2.3)
@@ -40,7 +37,7 @@ struct RunBench {
              {Rrp::TempTargetSV, 12500}, {Rrp::HumiTargetSV, 600}});
         rcv({{Rcv::TempSV, 12500}, {Rcv::TempPV, 12450}, {Rcv::TempMV, 1250}, {Rcv::HumiSV, 600}, {Rcv::HumiPV, 583},
              {Rcv::HumiMV, 3020}, {Rcv::RunMode, 1}});
-        up(Param::btnSensorType2, 0, 1);   // a humidity sensor: not temperature-only
+        up(Param::btnSensorType2, 0, 1);       // a humidity sensor: not temperature-only
         up(Param::txtT_SV, 0, 1);
         up(Param::txtH_SV, 0, 1);
         up(Param::txtDryTemp_Range, 1, 18000); // humidity controlled from 5 to 80 degrees
@@ -50,20 +47,9 @@ struct RunBench {
 
     void rrp(int row, qint64 v) { state.image.sprdRRP.setNumber(1, row, v); }
     void rcv(int row, qint64 v) { state.image.sprdRCV.setNumber(1, row, v); }
-    void rrp(std::initializer_list<std::pair<int, qint64>> rows)
-    {
-        for (const auto &[row, v] : rows)
-            rrp(row, v);
-    }
-    void rcv(std::initializer_list<std::pair<int, qint64>> rows)
-    {
-        for (const auto &[row, v] : rows)
-            rcv(row, v);
-    }
-    void up(Param p, int i, qint64 v)
-    {
-        state.image.sprdUP.setNumber(1, RowOf(p, i, state.FirmwareVersion()), v);
-    }
+    void rrp(Rows rows) { for (const auto &[r, v] : rows) rrp(r, v); }
+    void rcv(Rows rows) { for (const auto &[r, v] : rows) rcv(r, v); }
+    void up(Param p, int i, qint64 v) { state.image.sprdUP.setNumber(1, RowOf(p, i, state.FirmwareVersion()), v); }
 
     frmQM730_RunSimple &open()
     {
@@ -71,32 +57,33 @@ struct RunBench {
         return *form;
     }
     void tick() { form->tmrDisp_Timer(); }
-    // A tick of the graph timer, then of the display.
-    void graphTick()
+    void graphTick() // the graph timer, then the display tick
     {
         form->tmrDispGraph_Timer();
         form->tmrDisp_Timer();
     }
     void setOnline(bool on) { state.machines[0].MachineOnline = on; }
 
-    template <typename T = QWidget>
-    T *find(const char *name) const
+    // A control by name, or a member of a control array by its index.
+    template <typename T = QWidget> T *find(const char *name, int index = -1) const
     {
-        return form->findChild<T *>(QLatin1String(name));
-    }
-    // A member of a control array by its index.
-    template <typename T = QWidget>
-    T *find(const char *name, int index) const
-    {
-        return indexed<T>(*form, name, index);
+        return index < 0 ? form->findChild<T *>(QLatin1String(name)) : indexed<T>(*form, name, index);
     }
     QString text(const char *name) const
     {
         if (auto *l = find<QLabel>(name))
             return l->text();
-        if (auto *e = find<QLineEdit>(name))
-            return e->text();
-        return {};
+        auto *e = find<QLineEdit>(name);
+        return e ? e->text() : QString();
+    }
+    // The expected texts the screen does not show, with what it shows instead; empty when all match.
+    QString differ(std::initializer_list<std::pair<const char *, const char *>> expected) const
+    {
+        QStringList out;
+        for (const auto &[name, want] : expected)
+            if (text(name) != QString::fromUtf8(want))
+                out << QStringLiteral("%1 = %2, not %3").arg(QLatin1String(name), text(name), QString::fromUtf8(want));
+        return out.join(QStringLiteral("; "));
     }
     // Visible within the screen, whether or not the screen itself is shown.
     bool shown(const char *name) const
@@ -104,11 +91,7 @@ struct RunBench {
         QWidget *w = find(name);
         return w && w->isVisibleTo(form.get());
     }
-    bool lit(const char *name, int index = -1) const
-    {
-        auto *b = index < 0 ? find<QPushButton>(name) : find<QPushButton>(name, index);
-        return b->property("Lit").toBool();
-    }
+    bool lit(const char *name, int index = -1) const { return find<QPushButton>(name, index)->property("Lit").toBool(); }
     // The names among these that are not shown, so a failure says which.
     QStringList hidden(std::initializer_list<const char *> names) const
     {
@@ -119,7 +102,7 @@ struct RunBench {
         return out;
     }
     void view(int index) { find<QPushButton>("btnSelectView", index)->click(); }
-
+    void click(const char *name, int index = -1) { QTest::mouseClick(find<QPushButton>(name, index), Qt::LeftButton); }
     // The operator types a value into a field and presses Enter.
     void enter(const char *name, const QString &value)
     {
@@ -128,18 +111,9 @@ struct RunBench {
         QTest::keyClicks(e, value);
         QTest::keyClick(e, Qt::Key_Return);
     }
-
     // The mailbox as the scheduler will take it: code, index and data word.
-    int word() const { return (quint8(state.ReqData[0]) << 8) | quint8(state.ReqData[1]); }
-    QList<int> mail() const { return {state.ReqCmd, state.ReqIndex, word()}; }
-    void click(const char *name, int index = -1)
+    QList<int> mail() const
     {
-        QTest::mouseClick(index < 0 ? find<QPushButton>(name) : find<QPushButton>(name, index), Qt::LeftButton);
+        return {state.ReqCmd, state.ReqIndex, (quint8(state.ReqData[0]) << 8) | quint8(state.ReqData[1])};
     }
 };
-
-// Traditional Chinese shapes for screens that render text.
-inline void useChineseFont()
-{
-    QApplication::setFont(QFont(QStringLiteral("Noto Sans CJK TC")));
-}

@@ -1,7 +1,6 @@
 // Renders the single-chamber console offscreen in its three views, one under
-// the other, after ten minutes of a simulated program run:
+// the other, after ten minutes of a simulated program run (docs/run-simple.png):
 //   QT_QPA_PLATFORM=offscreen run_simple_screenshot [out.png]
-// docs/run-simple.png is made with it.
 #include "RunFixture.h"
 #include "RunLogger.h"
 #include "SaveSettings.h"
@@ -12,7 +11,7 @@
 int main(int argc, char **argv)
 {
     QApplication app(argc, argv);
-    useChineseFont();
+    QApplication::setFont(QFont(QStringLiteral("Noto Sans CJK TC")));
     const QString out = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("run-simple.png");
 
     RunBench b;
@@ -25,7 +24,7 @@ int main(int argc, char **argv)
     SaveSettings save = SaveSettings::defaults(b.home.path());
     save.SaveEnable = QStringLiteral("Yes");
     save.SaveFolder = QStringLiteral("C:\\QM730_DATA");
-    b.logger.applySavedSettings(save);
+    b.bench.recorder.runLog().applySavedSettings(save);
 
     frmQM730_RunSimple &form = b.open();
     QDateTime clock(QDate(2026, 3, 1), QTime(8, 0, 0));
@@ -36,8 +35,7 @@ int main(int argc, char **argv)
 
     // Ten minutes of a ramp from 25 to 60 degrees and from 60 to 85 %.
     for (int s = 0; s <= 600; ++s) {
-        const double f = s / 600.0;
-        const double svT = 25 + 35 * f, svH = 60 + 25 * f;
+        const double svT = 25 + 35 * s / 600.0, svH = 60 + 25 * s / 600.0;
         const double pvT = svT - 1.5 + 0.3 * std::sin(s / 9.0), pvH = svH - 3 + 0.8 * std::sin(s / 13.0);
         b.rcv({{Rcv::TempSV, std::lround((svT + 100) * 100)}, {Rcv::TempPV, std::lround((pvT + 100) * 100)},
                {Rcv::HumiSV, std::lround(svH * 10)}, {Rcv::HumiPV, std::lround(pvH * 10)},
@@ -48,18 +46,17 @@ int main(int argc, char **argv)
         clock = clock.addSecs(1);
     }
 
-    QList<QImage> views;
+    QImage sheet;
     for (int i = 0; i < 3; ++i) {
-        b.find<QPushButton>("btnSelectView", i)->click();
+        b.view(i);
         QApplication::processEvents();
-        views << form.grab().toImage();
+        const QImage view = form.grab().toImage();
+        if (sheet.isNull()) {
+            sheet = QImage(view.width(), view.height() * 3 + 16, QImage::Format_RGB32);
+            sheet.fill(QColor(90, 90, 90));
+        }
+        QPainter(&sheet).drawImage(0, i * (view.height() + 8), view);
     }
-    QImage sheet(views[0].width(), views[0].height() * 3 + 16, QImage::Format_RGB32);
-    sheet.fill(QColor(90, 90, 90));
-    QPainter p(&sheet);
-    for (int i = 0; i < 3; ++i)
-        p.drawImage(0, i * (views[0].height() + 8), views[i]);
-    p.end();
     if (!sheet.save(out)) {
         std::fprintf(stderr, "cannot write %s\n", qPrintable(out));
         return 1;

@@ -1,6 +1,5 @@
-// The machine list: Run.INI as the screen writes it and the start reads it,
-// the refusals, damaged files, and what a new list does to the slots, the
-// tables and a link that is up.
+// The machine list: Run.INI as the screen writes and the start reads it, the
+// refusals, damaged files, and what a new list does to the slots and the link.
 #include "ConsoleState.h"
 #include "Files.h"
 #include "MachineListChange.h"
@@ -20,6 +19,14 @@
 
 namespace {
 
+template <class Slots> QList<int> numbersOf(const Slots &machines)
+{
+    QList<int> out;
+    for (const MachineSlot &m : machines)
+        out << m.MachineNumber;
+    return out;
+}
+
 struct ListBench {
     QTemporaryDir home;
     ScreenBench bench{home.path(), {1}};
@@ -31,13 +38,6 @@ struct ListBench {
     {
         QFile f(runIni());
         return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
-    void writeFile(const QByteArray &bytes) const
-    {
-        QDir().mkpath(programPath(home.path(), QStringLiteral("CFG")));
-        QFile f(runIni());
-        f.open(QIODevice::WriteOnly | QIODevice::Truncate);
-        f.write(bytes);
     }
     frmQM730_Set_Multi &open()
     {
@@ -52,13 +52,7 @@ struct ListBench {
         list()->item(machine - 1, 1)->setText(label);
     }
     void ok() { QTest::mouseClick(child<QPushButton>(*form, "btnOK"), Qt::LeftButton); }
-    QList<int> numbers() const
-    {
-        QList<int> out;
-        for (const MachineSlot &m : state.machines)
-            out << m.MachineNumber;
-        return out;
-    }
+    QList<int> numbers() const { return numbersOf(state.machines); }
 };
 
 } // namespace
@@ -93,8 +87,7 @@ private slots:
         QCOMPARE(QString::fromUtf8(b.fileBytes()), text);
         const MachineList list = Get_RunCFG(b.home.path());
         QVERIFY(list.multiMode);
-        QCOMPARE(list.machines.size(), 3);
-        QCOMPARE(list.machines[1].MachineNumber, 3);
+        QCOMPARE(numbersOf(list.machines), (QList<int>{1, 3, 12}));
         QCOMPARE(list.machines[1].MachineName, QStringLiteral("Oven three"));
 
         // In force at once.
@@ -186,13 +179,10 @@ private slots:
         QFETCH(bool, multi);
         QFETCH(QList<int>, machines);
         ListBench b;
-        b.writeFile(bytes);
+        QVERIFY(writeFileAtomic(b.runIni(), bytes));
         const MachineList list = Get_RunCFG(b.home.path());
         QCOMPARE(list.multiMode, multi);
-        QList<int> numbers;
-        for (const MachineSlot &m : list.machines)
-            numbers << m.MachineNumber;
-        QCOMPARE(numbers, machines);
+        QCOMPARE(numbersOf(list.machines), machines);
         b.open(); // and the screen shows it without harm
     }
 
@@ -229,10 +219,8 @@ private slots:
         QVERIFY(!s.image.PatternLoaded[1]);
         QCOMPARE(menus, QList<bool>{false});
         // The exchange in progress is dropped and the new list scanned from its start.
-        QCOMPARE(s.CmdState, int(Cmd::Who));
-        QCOMPARE(s.PollSlot, 0);
-        QCOMPARE(s.ReqCmd, 0);
-        QCOMPARE(s.CurrentMachine, 0);
+        // (state, poll slot, request, foreground machine)
+        QCOMPARE((QList<int>{s.CmdState, s.PollSlot, s.ReqCmd, s.CurrentMachine}), (QList<int>{Cmd::Who, 0, 0, 0}));
         QVERIFY(!b.bench.link.tmrRecvErr.isActive());
         QVERIFY(b.bench.link.tmrSend.isActive());
 

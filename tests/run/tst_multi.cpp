@@ -5,7 +5,6 @@
 #include "Encodings.h"
 #include "frmQM730_DataInput.h"
 #include "frmQM730_RunMulti.h"
-#include "mdlModbusRTU.h"
 #include "mdlQM730_Protocol.h"
 #include <QLabel>
 #include <QLineEdit>
@@ -27,49 +26,28 @@ private:
     }
 
 private slots:
-    void runGoesToTheMachineOfTheRowOnly_data()
+    void buttonCellsCommandTheMachineOfTheRow()
     {
-        QTest::addColumn<QString>("protocol");
-        QTest::newRow("PC Link") << QStringLiteral("PC Link");
-        QTest::newRow("Modbus RTU") << QStringLiteral("Modbus RTU");
-    }
-
-    void runGoesToTheMachineOfTheRowOnly()
-    {
-        QFETCH(QString, protocol);
         Bench b;
-        b.state.CommProtocol = protocol;
+        b.rrp(2, Rrp::Hold, 1); // machine 12 holds: its hold cell is lit
+        b.rrp(2, Rrp::TempAT, 1);
         b.open();
-        clickCell(b.view("sprdMulti"), 2, C::ColRun); // the row of machine 7
-        QCOMPARE(b.mail(), (QList<int>{312, 0, 1, 1}));
-
+        const struct {
+            int row, col, cmd, word;
+        } cases[] = {{3, C::ColProgram, 311, 0}, {3, C::ColFixed, 311, 1}, {3, C::ColStop, 312, 0},
+                     {3, C::ColHold, 314, 0},    {3, C::ColStep, 313, 1},  {3, C::ColTempAT, 315, 0},
+                     {3, C::ColHumiAT, 316, 1},  {2, C::ColRun, 312, 1}}; // the last: machine 7 runs
+        for (const auto &c : cases) {
+            b.clearMail();
+            clickCell(b.view("sprdMulti"), c.row, c.col);
+            QVERIFY2(b.mail() == (QList<int>{c.cmd, 0, c.word, c.row - 1}), qPrintable(QString::number(c.col)));
+        }
         // The next tick of the link sends it to machine 7 and to no other.
         b.bench.port.open({}, {});
         b.state.PollSlot = 0;
         b.bench.link.tmrSend_Timer();
-        const QByteArray expected = protocol == QLatin1String("PC Link") ? pclink::frame_wrp(7, 1, wordBytes(1))
-                                                                         : modbus::modbus_write(7, 40001, 1, wordBytes(1));
-        QCOMPARE(b.bench.port.lastFrame(), expected);
+        QCOMPARE(b.bench.port.lastFrame(), pclink::frame_wrp(7, 1, wordBytes(1)));
         QCOMPARE(b.state.PollSlot, 1);
-    }
-
-    void buttonCellsPostTheirCommands()
-    {
-        Bench b;
-        b.rrp(2, Rrp::Hold, 1);  // machine 12 holds: its hold cell is lit
-        b.rrp(2, Rrp::TempAT, 1);
-        b.open();
-        const struct {
-            int col;
-            int cmd;
-            int word;
-        } cases[] = {{C::ColProgram, 311, 0}, {C::ColFixed, 311, 1}, {C::ColRun, 312, 1}, {C::ColStop, 312, 0},
-                     {C::ColHold, 314, 0},    {C::ColStep, 313, 1},  {C::ColTempAT, 315, 0}, {C::ColHumiAT, 316, 1}};
-        for (const auto &c : cases) {
-            b.clearMail();
-            clickCell(b.view("sprdMulti"), 3, c.col);
-            QVERIFY2(b.mail() == (QList<int>{c.cmd, 0, c.word, 2}), qPrintable(QString::number(c.col)));
-        }
         // Value cells take no single click.
         b.clearMail();
         for (int col : {int(C::ColTempPV), int(C::ColTempSV), int(C::ColStartPattern), int(C::ColRunTime)})
@@ -85,24 +63,18 @@ private slots:
         b.rcv(1, Rcv::RunMode, 0);
         b.rrp(1, Rrp::Run, 1);
         b.rrp(1, Rrp::Step, 1);
-        b.rcv(1, Rcv::RunPattern, 4);
-        b.rcv(1, Rcv::RunSegment, 2);
-        b.rcv(1, Rcv::RunHours, 12);
-        b.rcv(1, Rcv::RunMinutes, 3);
-        b.rcv(1, Rcv::RunSeconds, 9);
+        for (auto [r, v] : {std::pair{Rcv::RunPattern, 4}, {Rcv::RunSegment, 2}, {Rcv::RunHours, 12},
+                            {Rcv::RunMinutes, 3}, {Rcv::RunSeconds, 9}})
+            b.rcv(1, r, v);
         C &form = b.open();
         QCOMPARE(b.view("sprdMulti")->model()->headerData(1, Qt::Vertical).toString(), QStringLiteral("7"));
-        QCOMPARE(b.text(1, C::ColTempPV), QStringLiteral("---.--"));
-        QCOMPARE(b.text(1, C::ColHumiPV), QStringLiteral("---.-"));
-        QCOMPARE(b.text(2, C::ColTempPV), QStringLiteral("24.50"));
-        QCOMPARE(b.text(2, C::ColHumiPV), QStringLiteral("58.3"));
-        QCOMPARE(b.text(2, C::ColTempSV), QStringLiteral("25.00"));
-        QCOMPARE(b.text(2, C::ColHumiSV), QStringLiteral("60.0"));
-        QCOMPARE(b.text(2, C::ColRunPattern), QStringLiteral("4"));
-        QCOMPARE(b.text(2, C::ColRunSegment), QStringLiteral("2"));
-        QCOMPARE(b.text(2, C::ColRunTime), QStringLiteral("0012:03:09"));
-        QCOMPARE(b.text(2, C::ColTempMV), QStringLiteral("12.50"));
-        QCOMPARE(b.text(2, C::ColHumiMV), QStringLiteral("30.20"));
+        const std::tuple<int, int, const char *> cells[] = {
+            {1, C::ColTempPV, "---.--"},   {1, C::ColHumiPV, "---.-"},   {2, C::ColTempPV, "24.50"},
+            {2, C::ColHumiPV, "58.3"},     {2, C::ColTempSV, "25.00"},   {2, C::ColHumiSV, "60.0"},
+            {2, C::ColRunPattern, "4"},    {2, C::ColRunSegment, "2"},   {2, C::ColRunTime, "0012:03:09"},
+            {2, C::ColTempMV, "12.50"},    {2, C::ColHumiMV, "30.20"}};
+        for (const auto &[row, col, text] : cells)
+            QVERIFY2(b.text(row, col) == QLatin1String(text), qPrintable(QStringLiteral("%1,%2").arg(row).arg(col)));
         // Machine 7 runs a program with a step pending; machine 3 waits in fixed mode.
         const int lit[] = {C::ColProgram, C::ColRun, C::ColStep};
         for (int col = C::ColProgram; col <= C::ColHumiAT; ++col) {
@@ -143,9 +115,10 @@ private slots:
         QCOMPARE(b.text(2, C::ColTempPV), QStringLiteral("30.00"));
     }
 
-    void setValueGoesThroughTheDialog()
+    void valuesGoThroughTheDialog()
     {
         Bench b;
+        b.rcv(0, Rcv::RunMode, 0); // machine 3: program mode, stopped
         C &form = b.open();
         doubleClickCell(b.view("sprdMulti"), 2, C::ColTempSV);
         frmQM730_DataInput *d = dialog(b);
@@ -153,28 +126,33 @@ private slots:
         QCOMPARE(d->windowTitle(), QStringLiteral("溫度 SV"));
         QCOMPARE(child<QLabel>(*d, "lblMC_No")->text(), QStringLiteral("7"));
         QCOMPARE(child<QLabel>(*d, "lblOld")->text(), QStringLiteral("25.00"));
+        d->reject();
 
-        // 250 is above the range: clamped to 200, the word of 200 degrees.
-        auto *entry = child<QLineEdit>(*d, "txtNew");
-        entry->selectAll();
-        QTest::keyClicks(entry, QStringLiteral("250"));
-        QTest::keyClick(entry, Qt::Key_Return);
-        QCOMPARE(entry->text(), QStringLiteral("200"));
-        QCOMPARE(b.state.ReqCmd, 0); // tmrNextCMD sends it
-        QTRY_COMPARE(b.mail(), (QList<int>{325, 0, 30000, 1}));
-        QCOMPARE(form.InputWord(), wordBytes(30000));
-
-        // Humidity of machine 12, confirmed with the button.
-        b.clearMail();
-        doubleClickCell(b.view("sprdMulti"), 3, C::ColHumiSV);
-        QVERIFY((d = dialog(b)));
-        child<QLineEdit>(*d, "txtNew")->setText(QStringLiteral("55.5"));
-        QTest::mouseClick(child<QPushButton>(*d, "btnOK"), Qt::LeftButton);
-        QTRY_COMPARE(b.mail(), (QList<int>{327, 0, 555, 2}));
+        // Entered values, clamped, go to the machine of the row after a moment (tmrNextCMD).
+        const struct {
+            int row, col;
+            const char *typed, *shown;
+            int cmd, word;
+        } cases[] = {{2, C::ColTempSV, "250", "200", 325, 30000},    // above the range
+                     {3, C::ColHumiSV, "55.5", "55.5", 327, 555},
+                     {1, C::ColStartPattern, "300", "100", 321, 100}}; // above this firmware's 100 patterns
+        for (const auto &c : cases) {
+            b.clearMail();
+            doubleClickCell(b.view("sprdMulti"), c.row, c.col);
+            QVERIFY((d = dialog(b)));
+            auto *entry = child<QLineEdit>(*d, "txtNew");
+            entry->selectAll();
+            QTest::keyClicks(entry, QLatin1String(c.typed));
+            QTest::keyClick(entry, Qt::Key_Return);
+            QCOMPARE(entry->text(), QLatin1String(c.shown));
+            QCOMPARE(b.state.ReqCmd, 0);
+            QTRY_COMPARE(b.mail(), (QList<int>{c.cmd, 0, c.word, c.row - 1}));
+            QCOMPARE(form.InputWord(), wordBytes(quint16(c.word)));
+        }
 
         // Cancel sends nothing.
         b.clearMail();
-        doubleClickCell(b.view("sprdMulti"), 1, C::ColTempPID);
+        doubleClickCell(b.view("sprdMulti"), 2, C::ColTempPID);
         QVERIFY((d = dialog(b)));
         QCOMPARE(d->windowTitle(), QStringLiteral("溫度 PID"));
         QTest::mouseClick(child<QPushButton>(*d, "btnCancel"), Qt::LeftButton);
@@ -213,31 +191,14 @@ private slots:
         }
     }
 
-    void startPatternCarriesTheNumber()
-    {
-        Bench b;
-        b.rcv(0, Rcv::RunMode, 0);
-        b.open();
-        doubleClickCell(b.view("sprdMulti"), 1, C::ColStartPattern);
-        frmQM730_DataInput *d = dialog(b);
-        QVERIFY(d);
-        // Above the patterns of this firmware (100): clamped to the last one.
-        child<QLineEdit>(*d, "txtNew")->setText(QStringLiteral("300"));
-        QTest::mouseClick(child<QPushButton>(*d, "btnOK"), Qt::LeftButton);
-        QTRY_COMPARE(b.mail(), (QList<int>{321, 0, 100, 0}));
-    }
-
     void dialogWordsAndRanges_data()
     {
         QTest::addColumn<QString>("kind");
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("shown");
         QTest::addColumn<int>("word");
-        QTest::newRow("temp low end") << "TEMP. SV" << "-100" << "-100" << 0;
-        QTest::newRow("temp high end") << "TEMP. SV" << "200" << "200" << 30000;
         QTest::newRow("temp below") << "TEMP. SV" << "-150" << "-100" << 0;
         QTest::newRow("temp half even") << "TEMP. SV" << "25.555" << "25.555" << 12556;
-        QTest::newRow("humi") << "HUMI. SV" << "60" << "60" << 600;
         QTest::newRow("humi above") << "HUMI. SV" << "120" << "100" << 1000;
         QTest::newRow("empty segment") << "START SEG" << "" << "1" << 1;
         QTest::newRow("segment above") << "START SEG" << "101" << "100" << 100;
