@@ -46,14 +46,13 @@ struct Editor {
         b.words(3, {{Pd::SegmentCount, 0}, {Pd::RepeatAll, 1}});
         b.state.image.sprdTD.setText(1, patternNameRow(2), QStringLiteral("高溫測試"));
     }
-    Ptn &open()
+    void open()
     {
         form = std::make_unique<Ptn>(b.bench.ctx);
         form->show();
         list = child<QTableWidget>(*form, "sprdPattern");
         alarms = child<QTableWidget>(*form, "sprdAlarm");
         repeats = child<QTableWidget>(*form, "sprdRepeat");
-        return *form;
     }
     QString text(QTableWidget *t, int row, int col) const { return t->item(row, col)->text(); }
     qint64 word(int p, int w) const { return patternWord(b.state.image, p, w); }
