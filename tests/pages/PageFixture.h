@@ -4,15 +4,28 @@
 // it fills, and its controls used as the operator uses them.
 #include "ButtonColour.h"
 #include "CellEdit.h"
+#include "ModalDriver.h"
 #include "ScreenBench.h"
 #include "Widgets.h"
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <memory>
+
+using Mail = QList<int>; // code, address and word of the mailbox
+
+// A case of a data-driven test: a machine's firmware and protocol, and the
+// address (and word) a write must go to.
+struct Layout {
+    double firmware;
+    QString protocol;
+    int address, word = 0;
+};
+Q_DECLARE_METATYPE(Layout)
 
 struct PageFixture {
     QTemporaryDir dir;
@@ -31,6 +44,7 @@ struct PageFixture {
     template <class Page>
     Page *open()
     {
+        page.reset();
         page = std::make_unique<Page>(bench.ctx);
         page->show();
         if (!QTest::qWaitForWindowExposed(page.get()))
@@ -40,9 +54,12 @@ struct PageFixture {
 
     void up(ParamRef ref, qint64 word) { s.image.sprdUP.setNumber(1, RowOf(ref, s.FirmwareVersion()), word); }
     void up(int row, qint64 word) { s.image.sprdUP.setNumber(1, row, word); }
-    void upRow(int row, qint64 word) { up(row, word); }
+    void up(std::initializer_list<std::pair<int, qint64>> rows)
+    {
+        for (const auto &[row, word] : rows)
+            up(row, word);
+    }
     QString row(int r) const { return s.image.sprdUP.text(1, r); }
-    QString cell(int r) const { return row(r); }
     // As the link does when the reply is in: the page's refresh tick reloads it.
     void reload()
     {
@@ -51,23 +68,18 @@ struct PageFixture {
         s.startActiveRefresh();
         QTRY_VERIFY(!timer->isActive());
     }
-    void refresh() { reload(); }
-    // Code, address and word of the mailbox.
-    QList<int> mail() const { return {s.ReqCmd, s.ReqIndex, (quint8(s.ReqData[0]) << 8) | quint8(s.ReqData[1])}; }
-    void clearMail()
-    {
-        s.ReqCmd = 0;
-        s.ReqIndex = 0;
-    }
+    Mail mail() const { return {s.ReqCmd, s.ReqIndex, (quint8(s.ReqData[0]) << 8) | quint8(s.ReqData[1])}; }
+    void clearMail() { s.ReqCmd = s.ReqIndex = 0; }
 
-    QLineEdit *field(const char *name, int index = -1) const
+    template <class T = QLineEdit>
+    T *get(const char *name, int index = -1) const
     {
-        return index < 0 ? child<QLineEdit>(*page, name) : indexed<QLineEdit>(*page, name, index);
+        return index < 0 ? child<T>(*page, name) : indexed<T>(*page, name, index);
     }
-    QAbstractButton *button(const char *name, int index = -1) const
-    {
-        return index < 0 ? child<QAbstractButton>(*page, name) : indexed<QAbstractButton>(*page, name, index);
-    }
+    QLineEdit *field(const char *name, int index = -1) const { return get<QLineEdit>(name, index); }
+    QAbstractButton *button(const char *name, int index = -1) const { return get<QAbstractButton>(name, index); }
+    QString label(const char *name) const { return get<QLabel>(name)->text(); }
+    QString text(const char *name, int index = -1) const { return field(name, index)->text(); }
     static void type(QLineEdit *e, const QString &text)
     {
         e->setFocus();
@@ -79,15 +91,37 @@ struct PageFixture {
         type(e, text);
         QTest::keyClick(e, Qt::Key_Return);
     }
+    void enter(const char *name, const QString &text) { enter(field(name), text); }
     void enter(const char *name, int index, const QString &text) { enter(field(name, index), text); }
-    static void leave(QWidget *w)
+    // Typed, then the focus leaves without Enter; returns the text shown then.
+    QString typeAndLeave(const char *name, const QString &text, int index = -1)
     {
+        QLineEdit *e = field(name, index);
+        type(e, text);
         QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
-        QApplication::sendEvent(w, &out);
+        QApplication::sendEvent(e, &out);
+        return e->text();
     }
     void click(const char *name, int index = -1) { QTest::mouseClick(button(name, index), Qt::LeftButton); }
-    bool chosen(const char *name, int index) const
+    bool chosen(const char *name, int index) const { return ButtonColour::of(button(name, index)) == ButtonColour::Selected; }
+
+    // btnAdjustT and btnAdjustH open the revision pages of the page's two
+    // curves, each with the refresh of its own; closed, the refresh is the
+    // page's again. Gives the pages met and the offsets they showed.
+    void adjustPages(QStringList &met, QStringList &offsets)
     {
-        return ButtonColour::of(button(name, index)) == ButtonColour::Selected;
+        QTimer *own = s.ActiveRefreshTimer;
+        ModalDriver d;
+        for (int i = 0; i < 2; ++i)
+            d.then([&](QWidget *w) {
+                offsets << child<QLineEdit>(*w, "txtOffset")->text();
+                QVERIFY(s.ActiveRefreshTimer != own);
+                static_cast<QDialog *>(w)->reject();
+            });
+        click("btnAdjustT");
+        click("btnAdjustH");
+        QTRY_VERIFY(d.done());
+        met = d.met;
+        QCOMPARE(s.ActiveRefreshTimer.data(), own);
     }
 };

@@ -1,9 +1,7 @@
-// The field pages' own rules: run settings go to the same addresses on
-// every firmware and their locks exist only in Modbus RTU; the curve-save
-// mode and device; the communication lists, their words and their two row
-// sets; the password digits and the maker's text lines.
-#include "ButtonColour.h"
-#include "EntryField.h"
+// The field pages: run settings go to the same addresses on every firmware,
+// their locks only in Modbus RTU; the curve-save mode and device; the
+// communication lists and their two row sets; the password digits and the
+// maker's text lines.
 #include "PageFixture.h"
 #include "frmQM730Func_GrpSave.h"
 #include "frmQM730Func_Run.h"
@@ -12,33 +10,25 @@
 #include <QComboBox>
 #include <QPushButton>
 
-namespace {
-
-QPushButton *button(const QWidget &page, const char *name, int index) { return indexed<QPushButton>(page, name, index); }
-
-} // namespace
 
 class FieldPagesTest : public QObject {
     Q_OBJECT
 private slots:
     void runSettingsGoToTheSameRowsOnEveryFirmware_data()
     {
-        QTest::addColumn<double>("firmware");
-        QTest::addColumn<QString>("protocol");
-        QTest::addColumn<int>("offset");
-        QTest::newRow("2.31, PC Link") << 2.31 << "PC Link" << 0;
-        QTest::newRow("2.31, Modbus RTU") << 2.31 << "Modbus RTU" << 40100;
-        QTest::newRow("2.09, PC Link + crc") << 2.09 << "PC Link + crc" << 0;
-        QTest::newRow("2.09, Modbus RTU") << 2.09 << "Modbus RTU" << 40100;
-        QTest::newRow("1.8, Modbus RTU") << 1.8 << "Modbus RTU" << 40100;
+        QTest::addColumn<Layout>("c"); // the address of row 0
+        QTest::newRow("2.31, PC Link") << Layout{2.31, "PC Link", 0};
+        QTest::newRow("2.31, Modbus RTU") << Layout{2.31, "Modbus RTU", 40100};
+        QTest::newRow("2.09, PC Link + crc") << Layout{2.09, "PC Link + crc", 0};
+        QTest::newRow("2.09, Modbus RTU") << Layout{2.09, "Modbus RTU", 40100};
+        QTest::newRow("1.8, Modbus RTU") << Layout{1.8, "Modbus RTU", 40100};
     }
     void runSettingsGoToTheSameRowsOnEveryFirmware()
     {
-        QFETCH(double, firmware);
-        QFETCH(QString, protocol);
-        QFETCH(int, offset);
-        PageFixture f(firmware, protocol, 1);
-        auto page = f.open<frmQM730Func_Run>();
+        QFETCH(Layout, c);
+        const int offset = c.address;
+        PageFixture f(c.firmware, c.protocol, 1);
+        f.open<frmQM730Func_Run>();
         struct Click {
             const char *name;
             int index, row, word;
@@ -47,9 +37,9 @@ private slots:
         for (const Click &c : {Click{"btnRun_Method", 1, 1, 1}, Click{"btnReturn_Proc", 2, 6, 2},
                                Click{"btnMV_Tracking", 0, 7, 1}, Click{"btnPuzzy", 1, 8, 0}, Click{"btnBeep", 0, 9, 1},
                                Click{"btnTouch_Lock", 1, 10, 0}}) {
-            QTest::mouseClick(button(*page, c.name, c.index), Qt::LeftButton);
-            QCOMPARE(f.mail(), (QList<int>{102, offset + c.row, c.word}));
-            QCOMPARE(f.cell(c.row), QString::number(c.word));
+            f.click(c.name, c.index);
+            QCOMPARE(f.mail(), (Mail{102, offset + c.row, c.word}));
+            QCOMPARE(f.row(c.row), QString::number(c.word));
         }
         struct Entry {
             const char *name;
@@ -59,19 +49,18 @@ private slots:
         for (const Entry &e : {Entry{"txtT_SV", "6000.1", 4, 60000}, Entry{"txtH_SV", "12.5", 5, 125},
                                Entry{"txtRun_Hour", "10", 2, 10}, Entry{"txtRun_Minute", "75", 3, 59},
                                Entry{"txtAuto_Off", "5", 11, 5}}) {
-            auto *field = child<EntryField>(*page, e.name);
-            QVERIFY(field->isEnabled()); // a fixed-value run was chosen above
-            PageFixture::enter(field, QLatin1String(e.typed));
-            QCOMPARE(f.mail(), (QList<int>{102, offset + e.row, e.word}));
+            QVERIFY(f.field(e.name)->isEnabled()); // a fixed-value run was chosen above
+            f.enter(e.name, QLatin1String(e.typed));
+            QCOMPARE(f.mail(), (Mail{102, offset + e.row, e.word}));
         }
         // The start and program locks are Modbus RTU's, behind the block.
         const bool modbus = offset != 0;
-        QCOMPARE(button(*page, "btnOper_Lock", 1)->isVisible(), modbus);
+        QCOMPARE(f.button("btnOper_Lock", 1)->isVisible(), modbus);
         if (modbus) {
-            QTest::mouseClick(button(*page, "btnOper_Lock", 1), Qt::LeftButton);
-            QCOMPARE(f.mail(), (QList<int>{102, 40700, 1}));
-            QTest::mouseClick(button(*page, "btnPatt_Lock", 1), Qt::LeftButton);
-            QCOMPARE(f.mail(), (QList<int>{102, 40701, 1}));
+            f.click("btnOper_Lock", 1);
+            QCOMPARE(f.mail(), (Mail{102, 40700, 1}));
+            f.click("btnPatt_Lock", 1);
+            QCOMPARE(f.mail(), (Mail{102, 40701, 1}));
             QCOMPARE(f.s.image.sprdUP_PLUS.text(1, 89), QStringLiteral("1"));
         }
     }
@@ -79,123 +68,108 @@ private slots:
     void aProgramRunClosesTheFixedRunFields()
     {
         PageFixture f(2.31, QStringLiteral("PC Link"), 1);
-        f.up(1, 0);
-        f.up(4, 35);
-        auto page = f.open<frmQM730Func_Run>();
-        auto *ramp = child<EntryField>(*page, "txtT_SV");
-        QCOMPARE(ramp->text(), QStringLiteral("3.5"));
-        QVERIFY(!ramp->isEnabled() && !child<EntryField>(*page, "txtRun_Minute")->isEnabled());
-        QVERIFY(child<EntryField>(*page, "txtAuto_Off")->isEnabled());
+        f.up({{1, 0}, {4, 35}});
+        f.open<frmQM730Func_Run>();
+        QCOMPARE(f.text("txtT_SV"), QStringLiteral("3.5"));
+        QVERIFY(!f.field("txtT_SV")->isEnabled() && !f.field("txtRun_Minute")->isEnabled());
+        QVERIFY(f.field("txtAuto_Off")->isEnabled());
         f.up(1, 1);
-        f.refresh();
-        QVERIFY(ramp->isEnabled());
+        f.reload();
+        QVERIFY(f.field("txtT_SV")->isEnabled());
     }
 
     void curveSaveModeAndDevice()
     {
         PageFixture f(2.0, QStringLiteral("PC Link"), 1);
         f.up(77, 7); // a mode the list does not name
-        auto page = f.open<frmQM730Func_GrpSave>();
-        QCOMPARE(ButtonColour::of(button(*page, "btnSaveAction", 3)), ButtonColour::Selected);
-        QVERIFY(!button(*page, "btnSaveObj", 0)->isVisible());
-        QVERIFY(!child<QPushButton>(*page, "btnBufferInit")->isEnabled());
-        auto *period = child<EntryField>(*page, "txtSavePeriod");
-        PageFixture::enter(period, QStringLiteral("0"));
-        QCOMPARE(period->text(), QStringLiteral("1"));
-        QCOMPARE(f.mail(), (QList<int>{102, 76, 1}));
-        PageFixture::enter(period, QStringLiteral("400"));
-        QCOMPARE(f.mail(), (QList<int>{102, 76, 360}));
+        f.open<frmQM730Func_GrpSave>();
+        QVERIFY(f.chosen("btnSaveAction", 3));
+        QVERIFY(!f.button("btnSaveObj", 0)->isVisible());
+        QVERIFY(!f.button("btnBufferInit")->isEnabled());
+        f.enter("txtSavePeriod", QStringLiteral("0"));
+        QCOMPARE(f.text("txtSavePeriod"), QStringLiteral("1"));
+        QCOMPARE(f.mail(), (Mail{102, 76, 1}));
+        f.enter("txtSavePeriod", QStringLiteral("400"));
+        QCOMPARE(f.mail(), (Mail{102, 76, 360}));
     }
 
     void communicationListsAndTheirRowSets()
     {
         PageFixture f(2.31, QStringLiteral("PC Link"), 1);
-        f.up(196, 4); // RS232: 9600
-        f.up(203, 0); // RS485: 600, which the list does not offer
-        f.up(202, 2); // RS485: Modbus RTU
-        f.up(205, 2);
-        auto page = f.open<frmQM730SYS_Comm>();
-        auto *baud = child<QComboBox>(*page, "cmbBaud");
-        auto *type = child<QComboBox>(*page, "cmbCommType");
+        // RS232: 9600; RS485: 600 (which the list does not offer), Modbus RTU, 2 stop bits.
+        f.up({{196, 4}, {203, 0}, {202, 2}, {205, 2}});
+        f.open<frmQM730SYS_Comm>();
+        auto *baud = f.get<QComboBox>("cmbBaud");
         QCOMPARE(baud->currentText(), QStringLiteral("9600"));
         QTest::keyClick(baud, Qt::Key_Up); // 19200
-        QCOMPARE(f.mail(), (QList<int>{102, 196, 5}));
+        QCOMPARE(f.mail(), (Mail{102, 196, 5}));
 
         f.clearMail();
-        type->setCurrentIndex(1); // RS485: a reload only
+        f.get<QComboBox>("cmbCommType")->setCurrentIndex(1); // RS485: a reload only
         QCOMPARE(f.s.ReqCmd, 0);
         QCOMPARE(baud->currentIndex(), -1);
         QCOMPARE(baud->placeholderText(), QStringLiteral("600"));
-        QCOMPARE(child<QComboBox>(*page, "cmbProtocol")->currentText(), QStringLiteral("Modbus RTU"));
-        QCOMPARE(child<QComboBox>(*page, "cmbStop")->currentText(), QStringLiteral("2"));
-        QTest::keyClick(child<QComboBox>(*page, "cmbData"), Qt::Key_Down); // from none to "5"
-        QCOMPARE(f.mail(), (QList<int>{102, 206, 5}));
-        PageFixture::enter(child<EntryField>(*page, "txtMC_No"), QStringLiteral("1000"));
-        QCOMPARE(f.mail(), (QList<int>{102, 208, 999}));
+        QCOMPARE(f.get<QComboBox>("cmbProtocol")->currentText(), QStringLiteral("Modbus RTU"));
+        QCOMPARE(f.get<QComboBox>("cmbStop")->currentText(), QStringLiteral("2"));
+        QTest::keyClick(f.get<QComboBox>("cmbData"), Qt::Key_Down); // from none to "5"
+        QCOMPARE(f.mail(), (Mail{102, 206, 5}));
+        f.enter("txtMC_No", QStringLiteral("1000"));
+        QCOMPARE(f.mail(), (Mail{102, 208, 999}));
 
         // Below 2.3 the controller has no Modbus RTU.
         PageFixture g(2.29, QStringLiteral("PC Link"), 1);
         g.up(169, 2);
-        auto older = g.open<frmQM730SYS_Comm>();
-        auto *protocol = child<QComboBox>(*older, "cmbProtocol");
-        QCOMPARE(protocol->count(), 2);
-        QCOMPARE(protocol->currentIndex(), -1);
+        g.open<frmQM730SYS_Comm>();
+        QCOMPARE(g.get<QComboBox>("cmbProtocol")->count(), 2);
+        QCOMPARE(g.get<QComboBox>("cmbProtocol")->currentIndex(), -1);
     }
 
     void passwordDigitsAndMakersLines_data()
     {
-        QTest::addColumn<double>("firmware");
-        QTest::addColumn<QString>("protocol");
-        QTest::addColumn<int>("first");
-        QTest::addColumn<int>("address");
-        QTest::newRow("2.31, PC Link") << 2.31 << "PC Link" << 290 << 290;
-        QTest::newRow("2.31, Modbus RTU") << 2.31 << "Modbus RTU" << 290 << 40390;
-        QTest::newRow("legacy") << 2.09 << "PC Link" << 253 << 253;
+        QTest::addColumn<Layout>("c"); // the address and row of the first digit
+        QTest::newRow("2.31, PC Link") << Layout{2.31, "PC Link", 290, 290};
+        QTest::newRow("2.31, Modbus RTU") << Layout{2.31, "Modbus RTU", 40390, 290};
+        QTest::newRow("legacy") << Layout{2.09, "PC Link", 253, 253};
     }
     void passwordDigitsAndMakersLines()
     {
-        QFETCH(double, firmware);
-        QFETCH(QString, protocol);
-        QFETCH(int, first);
-        QFETCH(int, address);
+        QFETCH(Layout, c);
+        const auto &[firmware, protocol, address, first] = c;
         const bool modbus = protocol == QLatin1String("Modbus RTU");
         PageFixture f(firmware, protocol, 1);
         for (int i = 0; i < 4; ++i)
             f.up(first + i, '1' + i);
-        auto page = f.open<frmQM730SYS_ETC>();
+        f.open<frmQM730SYS_ETC>();
         // The maker's lines are read as the page opens.
         QCOMPARE(f.s.ReqCmd, modbus ? 9 : 4);
         QCOMPARE(f.s.CmdIndexEnd, 11);
-        auto *password = child<EntryField>(*page, "txtUserPass");
-        QCOMPARE(password->text(), QStringLiteral("1234"));
-
-        PageFixture::enter(password, QStringLiteral("7"));
-        QCOMPARE(password->text(), QStringLiteral("0007"));
+        QCOMPARE(f.text("txtUserPass"), QStringLiteral("1234"));
+        f.enter("txtUserPass", QStringLiteral("7"));
+        QCOMPARE(f.text("txtUserPass"), QStringLiteral("0007"));
         QCOMPARE(QList<int>({f.s.ReqCmd, f.s.ReqIndex, f.s.CmdIndexEnd}), QList<int>({150, address, first + 3}));
         for (int i = 0; i < 4; ++i)
-            QCOMPARE(f.cell(first + i), QString::number(i < 3 ? '0' : '7'));
+            QCOMPARE(f.row(first + i), QString::number(i < 3 ? '0' : '7'));
         if (modbus)
             QCOMPARE(f.s.WriteBlock, QByteArray::fromHex("0030003000300037"));
 
         f.s.image.sprdTD.setText(1, 10, QStringLiteral("CHAMBER 7"));
-        f.refresh();
-        auto *line = indexed<EntryField>(*page, "txtUserInfo", 1);
-        QCOMPARE(line->text(), QStringLiteral("CHAMBER 7"));
-        PageFixture::enter(line, QStringLiteral("恆溫恆濕 7"));
-        QCOMPARE(QList<int>({f.s.ReqCmd, f.s.ReqIndex}), QList<int>({103, 10}));
+        f.reload();
+        QCOMPARE(f.text("txtUserInfo", 1), QStringLiteral("CHAMBER 7"));
+        f.enter("txtUserInfo", 1, QStringLiteral("恆溫恆濕 7"));
+        QCOMPARE(f.mail().mid(0, 2), (Mail{103, 10}));
         QCOMPARE(f.s.image.sprdTD.text(1, 10), QStringLiteral("恆溫恆濕 7"));
-        QVERIFY(!child<QPushButton>(*page, "btnInitFactory")->isEnabled());
+        QVERIFY(!f.button("btnInitFactory")->isEnabled());
     }
 
     void holdsAndHumidityBaseFromFirmware18()
     {
         for (double firmware : {1.79, 1.8}) {
             PageFixture f(firmware, QStringLiteral("PC Link"), 1);
-            auto page = f.open<frmQM730SYS_ETC>();
+            f.open<frmQM730SYS_ETC>();
             for (const char *name : {"btnTPV_HOLD", "btnHPV_HOLD", "btnHCTL_Base"})
-                QCOMPARE(button(*page, name, 1)->isEnabled(), firmware >= 1.8);
-            QTest::mouseClick(button(*page, "btnLanguage", 1), Qt::LeftButton);
-            QCOMPARE(f.mail(), (QList<int>{102, 79, 1}));
+                QCOMPARE(f.button(name, 1)->isEnabled(), firmware >= 1.8);
+            f.click("btnLanguage", 1);
+            QCOMPARE(f.mail(), (Mail{102, 79, 1}));
         }
     }
 };

@@ -1,29 +1,25 @@
-// The revision pages' own rules: points that must rise within their bounds,
-// the offset row of the sensor type, "初始化" as one block (and the legacy
-// offset after it), the graph, and the present value.
+// The revision pages: points that must rise within their bounds, the offset
+// row of the sensor type, "初始化" as one block (and the legacy offset after
+// it), the graph, and the present value.
 #include "PageFixture.h"
 #include "frmQM730SYS_Revision.h"
-#include <QLabel>
 
 namespace {
 
-QByteArray words(const QList<int> &list)
-{
-    QByteArray b;
-    for (int w : list) {
-        b += char((w >> 8) & 0xFF);
-        b += char(w & 0xFF);
-    }
-    return b;
-}
-
-// REV words of points.
+// The words of points (x 10 + 2000), as a list and as the bytes of a block.
 QList<int> rev(const QList<double> &values)
 {
     QList<int> w;
     for (double v : values)
         w << int(v * 10 + 2000);
     return w;
+}
+QByteArray bytes(const QList<int> &words)
+{
+    QByteArray b;
+    for (int w : words)
+        b.append(char(w >> 8)).append(char(w));
+    return b;
 }
 
 } // namespace
@@ -35,70 +31,58 @@ private slots:
     {
         PageFixture f(2.31, QStringLiteral("Modbus RTU"));
         const QList<int> base = rev({-100, -40, 20, 80, 140, 200});
-        for (int i = 0; i < 6; ++i) {
-            f.upRow(40 + i, base[i]);
-            f.upRow(34 + i, base[i]);
-        }
+        for (int i = 0; i < 6; ++i)
+            f.up({{40 + i, base[i]}, {34 + i, base[i]}});
         f.open<frmQM730SYS_Sensor_RevisionT>();
-        QCOMPARE(f.field("txtAdjustX", 2)->text(), QStringLiteral("20"));
+        QCOMPARE(f.text("txtAdjustX", 2), QStringLiteral("20"));
         f.enter("txtAdjustY", 2, QStringLiteral("21.5"));
-        QCOMPARE(f.mail(), (QList<int>{102, 40136, 2215}));
+        QCOMPARE(f.mail(), (Mail{102, 40136, 2215}));
         // Not above the point before it: the old text is taken back and written again.
         f.enter("txtAdjustX", 1, QStringLiteral("-100"));
-        QCOMPARE(f.field("txtAdjustX", 1)->text(), QStringLiteral("-40"));
-        QCOMPARE(f.mail(), (QList<int>{102, 40141, 1600}));
+        QCOMPARE(f.text("txtAdjustX", 1), QStringLiteral("-40"));
+        QCOMPARE(f.mail(), (Mail{102, 40141, 1600}));
         f.enter("txtAdjustY", 3, QStringLiteral("140"));
-        QCOMPARE(f.field("txtAdjustY", 3)->text(), QStringLiteral("80"));
+        QCOMPARE(f.text("txtAdjustY", 3), QStringLiteral("80"));
         // Outside the bounds: taken back, not clamped.
         f.enter("txtAdjustY", 5, QStringLiteral("300"));
-        QCOMPARE(f.field("txtAdjustY", 5)->text(), QStringLiteral("200"));
-        QCOMPARE(f.mail(), (QList<int>{102, 40139, 4000}));
+        QCOMPARE(f.text("txtAdjustY", 5), QStringLiteral("200"));
+        QCOMPARE(f.mail(), (Mail{102, 40139, 4000}));
         f.enter("txtAdjustY", 5, QStringLiteral("266.4"));
-        QCOMPARE(f.mail(), (QList<int>{102, 40139, 4664}));
+        QCOMPARE(f.mail(), (Mail{102, 40139, 4664}));
     }
 
     void theSensorOffsetFollowsTheType()
     {
         PageFixture f(2.31, QStringLiteral("Modbus RTU"));
-        f.upRow(46, 2); // humidity: voltage
-        f.upRow(54, 10100);
-        f.upRow(55, 9800);
+        f.up({{46, 2}, {54, 10100}, {55, 9800}}); // humidity: voltage
         f.open<frmQM730SYS_Sensor_RevisionH>();
-        QCOMPARE(f.field("txtOffset")->text(), QStringLiteral("-2.00"));
-        f.enter(f.field("txtOffset"), QStringLiteral("1.25"));
-        QCOMPARE(f.mail(), (QList<int>{102, 40155, 10125}));
-        f.upRow(46, 1);
+        QCOMPARE(f.text("txtOffset"), QStringLiteral("-2.00"));
+        f.enter("txtOffset", QStringLiteral("1.25"));
+        QCOMPARE(f.mail(), (Mail{102, 40155, 10125}));
+        f.up(46, 1);
         f.reload();
-        QCOMPARE(f.field("txtOffset")->text(), QStringLiteral("1.00"));
-        QLineEdit *offset = f.field("txtOffset");
-        f.type(offset, QStringLiteral("-120"));
-        f.leave(offset);
-        QCOMPARE(offset->text(), QStringLiteral("-100.00"));
+        QCOMPARE(f.text("txtOffset"), QStringLiteral("1.00"));
+        QCOMPARE(f.typeAndLeave("txtOffset", "-120"), QStringLiteral("-100.00"));
     }
 
     void initialiseWritesTheDefaultsAsOneBlock()
     {
         for (const bool modbus : {false, true}) {
             PageFixture f(2.31, modbus ? QStringLiteral("Modbus RTU") : QStringLiteral("PC Link"));
-            f.upRow(32, 10500);
-            f.upRow(40, rev({-90})[0]);
+            f.up({{32, 10500}, {40, rev({-90})[0]}});
             auto &page = *f.open<frmQM730SYS_Sensor_RevisionT>();
             f.click("btnInit");
             const QList<int> points = rev({-100, -40, 20, 80, 140, 200});
-            QList<int> block{10000, 10000};
-            block << points << points;
+            const QList<int> block = QList<int>{10000, 10000} + points + points;
             QList<int> image;
             for (int row = 32; row <= 45; ++row)
                 image << f.row(row).toInt();
             QCOMPARE(image, block);
-            QCOMPARE(f.field("txtAdjustX", 0)->text(), QStringLiteral("-100"));
+            QCOMPARE(f.text("txtAdjustX", 0), QStringLiteral("-100"));
             QCOMPARE(f.s.CmdIndexEnd, 45);
-            if (modbus) {
-                QCOMPARE(f.mail().mid(0, 2), (QList<int>{401, 40132}));
-                QCOMPARE(f.s.WriteBlock, words(block));
-            } else {
-                QCOMPARE(f.mail().mid(0, 2), (QList<int>{400, 32}));
-            }
+            QCOMPARE(f.mail().mid(0, 2), modbus ? (Mail{401, 40132}) : (Mail{400, 32}));
+            if (modbus)
+                QCOMPARE(f.s.WriteBlock, bytes(block));
             // The line runs straight from corner to corner.
             const QList<QLineF> segments = page.curve().graph()->segments();
             QCOMPARE(segments.size(), 5);
@@ -112,10 +96,10 @@ private slots:
     void theLegacyOffsetFollowsTheBlock()
     {
         PageFixture f(2.1);
-        f.upRow(37, 1); // humidity: voltage
+        f.up(37, 1); // humidity: voltage
         f.open<frmQM730SYS_Sensor_RevisionH>();
         f.click("btnInit");
-        QCOMPARE(f.mail().mid(0, 2), (QList<int>{400, 469}));
+        QCOMPARE(f.mail().mid(0, 2), (Mail{400, 469}));
         QCOMPARE(f.s.CmdIndexEnd, 480);
         // A refresh while the block is written posts nothing.
         f.s.ReqCmd = 0;
@@ -125,7 +109,7 @@ private slots:
         // The block is through: the offset follows, once.
         f.s.CmdState = 1;
         f.reload();
-        QCOMPARE(f.mail(), (QList<int>{102, 48, 10000}));
+        QCOMPARE(f.mail(), (Mail{102, 48, 10000}));
         f.s.ReqCmd = 0;
         f.reload();
         QCOMPARE(f.s.ReqCmd, 0);
@@ -134,23 +118,21 @@ private slots:
     void theRetransmissionCurves()
     {
         PageFixture f(2.31, QStringLiteral("Modbus RTU"));
-        f.upRow(80, 1); // the sensor-break current, the block's first row
+        f.up(80, 1); // the sensor-break current, the block's first row
         f.open<frmQM730SYS_Control_RevisionT>();
         QVERIFY(!f.page->findChild<QLabel *>(QStringLiteral("lblPV"))); // no live value
-        f.enter(f.field("txtOffset"), QStringLiteral("-25"));
-        QCOMPARE(f.field("txtOffset")->text(), QStringLiteral("-20.00"));
-        QCOMPARE(f.mail(), (QList<int>{102, 40181, 8000}));
+        f.enter("txtOffset", QStringLiteral("-25"));
+        QCOMPARE(f.text("txtOffset"), QStringLiteral("-20.00"));
+        QCOMPARE(f.mail(), (Mail{102, 40181, 8000}));
         f.click("btnInit");
-        QCOMPARE(f.mail().mid(0, 2), (QList<int>{401, 40180}));
+        QCOMPARE(f.mail().mid(0, 2), (Mail{401, 40180}));
         const QList<int> points = rev({-100, 50, 200});
-        QList<int> block{1, 10000};
-        block << points << points;
-        QCOMPARE(f.s.WriteBlock, words(block));
+        QCOMPARE(f.s.WriteBlock, bytes(QList<int>{1, 10000} + points + points));
 
         PageFixture legacy(2.09);
         legacy.open<frmQM730SYS_Control_RevisionH>();
         legacy.click("btnInit");
-        QCOMPARE(legacy.mail().mid(0, 2), (QList<int>{400, 487}));
+        QCOMPARE(legacy.mail().mid(0, 2), (Mail{400, 487}));
         QCOMPARE(legacy.s.CmdIndexEnd, 492);
     }
 
@@ -160,15 +142,13 @@ private slots:
         f.s.image.sprdRCV.setNumber(1, 2, 65535);
         f.s.image.sprdRCV.setNumber(1, 5, 553);
         f.open<frmQM730SYS_Sensor_RevisionT>();
-        QCOMPARE(child<QLabel>(*f.page, "lblPV")->text(), QStringLiteral("--.-"));
+        QCOMPARE(f.label("lblPV"), QStringLiteral("--.-"));
         f.s.image.sprdRCV.setNumber(1, 2, 12550);
         f.reload();
-        QCOMPARE(child<QLabel>(*f.page, "lblPV")->text(), QStringLiteral("25.50"));
-        PageFixture h;
-        h.s.image.sprdRCV.setNumber(1, 5, 553);
-        h.s.image.setTempDecimals(1);
-        h.open<frmQM730SYS_Sensor_RevisionH>();
-        QCOMPARE(child<QLabel>(*h.page, "lblPV")->text(), QStringLiteral("55.3"));
+        QCOMPARE(f.label("lblPV"), QStringLiteral("25.50"));
+        f.s.image.setTempDecimals(1);
+        f.open<frmQM730SYS_Sensor_RevisionH>();
+        QCOMPARE(f.label("lblPV"), QStringLiteral("55.3"));
     }
 };
 

@@ -3,6 +3,7 @@
 #include "ProgramImage.h"
 #include "ScreenBench.h"
 #include "TableTyping.h"
+#include <QLineEdit>
 #include <QTemporaryDir>
 #include <initializer_list>
 #include <utility>
@@ -45,4 +46,12 @@ struct ProgramBench {
         return {state.ReqCmd, state.ReqIndex, (quint8(state.ReqData[0]) << 8) | quint8(state.ReqData[1])};
     }
     void clearMailbox() { state.ReqCmd = state.ReqIndex = 0; }
+    // Typed into an entry box and confirmed with Enter.
+    static void enter(QLineEdit *e, const QString &text)
+    {
+        e->setFocus();
+        e->selectAll();
+        QTest::keyClicks(e, text);
+        QTest::keyClick(e, Qt::Key_Return);
+    }
 };

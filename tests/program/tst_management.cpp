@@ -1,9 +1,7 @@
-// The program management screen's own rules: the entry boxes held to the
-// patterns and segments there are, a pattern copied whole (its name left),
-// a run of segments copied through the scratch table (overlapping within one
-// pattern, and cut at the last place of the target), a pattern cleared to
-// its empty values, each with its question and the one request that sends
-// it.
+// The program management screen: entry boxes held to the patterns and
+// segments there are, a pattern copied whole but its name, a run of segments
+// copied through the scratch table (overlapping, and cut at the last place),
+// a pattern cleared, each with its question and the one request that sends it.
 #include "ModalDriver.h"
 #include "ProgramCurve.h"
 #include "ProgramFixture.h"
@@ -46,14 +44,7 @@ struct Screen {
     }
     QLineEdit *box(const char *name) const { return child<QLineEdit>(*form, name); }
     QString label(const char *name) const { return child<QLabel>(*form, name)->text(); }
-    void enter(const char *name, const QString &text)
-    {
-        QLineEdit *b = box(name);
-        b->setFocus();
-        b->selectAll();
-        QTest::keyClicks(b, text);
-        QTest::keyClick(b, Qt::Key_Return);
-    }
+    void enter(const char *name, const QString &text) { ProgramBench::enter(box(name), text); }
     // The temperature of each segment 1..n of a pattern, in degrees.
     QList<int> temps(int p, int n) const
     {

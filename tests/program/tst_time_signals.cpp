@@ -1,7 +1,6 @@
-// The time-signal editor: the meaning of the two times by firmware, ON and
-// OFF for the whole segment (times cleared), a click on the panel making a
-// signal timed, and an entered time held to its limit and written with the
-// signal's mode and both times.
+// The time-signal editor: the two times' meaning by firmware, ON and OFF for
+// the whole segment (times cleared), a click on the panel making a signal
+// timed, and a time held to its limit, written with the mode and both times.
 #include "ButtonColour.h"
 #include "ProgramFixture.h"
 #include "ProgramWriter.h"
@@ -35,14 +34,7 @@ struct Signals {
     QLineEdit *entry(const char *name, int k) const { return indexed<QLineEdit>(*form, name, k - 1); }
     QPushButton *button(const char *name, int k) const { return indexed<QPushButton>(*form, name, k - 1); }
     QString unit(const char *name, int k) const { return indexed<QLabel>(*form, name, k - 1)->text(); }
-    void enter(const char *name, int k, const QString &text)
-    {
-        QLineEdit *e = entry(name, k);
-        e->setFocus();
-        e->selectAll();
-        QTest::keyClicks(e, text);
-        QTest::keyClick(e, Qt::Key_Return);
-    }
+    void enter(const char *name, int k, const QString &text) { ProgramBench::enter(entry(name, k), text); }
     qint64 word(int w) const { return segmentWord(b.state.image, 2, 3, w); }
 };
 
