@@ -312,27 +312,6 @@ private slots:
         QVERIFY(!h.link->reopening());
     }
 
-    void screenCaptureWritesTheBitmapAndPollingGoesOn()
-    {
-        LinkHarness h;
-        FakeLine line;
-        line.screen = QByteArray(320 * 240, char(0xE0)); // every pixel full red
-        connectLine(h, line);
-        QSignalSpy captured(h.link.get(), &CommLink::screenCaptured);
-        h.state->requests().readScreen();
-        QTRY_COMPARE_WITH_TIMEOUT(captured.size(), 1, 5000);
-        QFile bmp(h.dir.filePath("DispScr.BMP"));
-        QVERIFY(bmp.open(QIODevice::ReadOnly));
-        const QByteArray b = bmp.readAll();
-        QCOMPARE(b.size(), 230454);
-        QCOMPARE(b.left(2), QByteArray("BM"));
-        QCOMPARE(b.mid(54, 3), QByteArray("\x3F\x1F\xFF", 3)); // blue, green, red of the first pixel
-        // Back in state 1: the next frame is the poll's RRP.
-        const int at = int(commands(line).lastIndexOf("RCS"));
-        QTRY_VERIFY(commands(line).size() > at + 1);
-        QCOMPARE(commands(line)[at + 1], QByteArray("RRP"));
-    }
-
     // A set loaded for sending while the poll reads the machine's block: the
     // block read under way does not replace the one about to be sent.
     void blockReadDoesNotReplaceABlockAboutToBeSent()
