@@ -34,11 +34,9 @@ private slots:
             {{Param::txtAdjustY_T, 1}, 2.09, 457}, {{Param::txtAdjustY_T, 1}, 2.08, 0},
             {{Param::sprdPID, 1, 5}, 1.81, 393}, {{Param::sprdPID, 1, 5}, 1.80, 0}, {{Param::sprdPID, 16, 10}, 1.80, 392},
             {Param::btnOper_Lock, 1.0, 88}, // the extra rows do not depend on the block size
-            {{Param::txtScale1, 1}, 2.3, 28}, {{Param::txtScale1, 0}, 2.3, 29},
+            {{Param::txtScale1, 1}, 2.3, 28}, {{Param::txtScale1, 0}, 2.3, 29}, // a pair: high, then low
             {{Param::InnerSignal, 8, IsDelaySec}, 2.2, 264}, {{Param::InnerSignal, 1, IsSource}, 2.1, 183},
-            {{Param::txtT_Hd, 5}, 2.2, 289}, {{Param::txtT_MSV, 1}, 2.1, 0}, {{Param::sprdPID, 16, 12}, 2.2, 497},
-            {{Param::sprdDO2_Relay, 36}, 2.2, 167}, {{Param::sprdDO2_Value, 1}, 2.2, 0},
-            {{Param::sprdDO_Value, 36}, 2.1, 151}, {{Param::sprdDT, 6}, 2.1, 17},
+            {{Param::txtT_MSV, 1}, 2.1, 0}, {{Param::sprdDO2_Value, 1}, 2.2, 0}, // not in this firmware
             // Indexes outside the family.
             {{Param::sprdSystem_SV, 5}, 2.3, 0}, {{Param::sprdSystem_SV, 0}, 2.3, 0}, {{Param::txtLPF1, 1}, 2.3, 0},
             {{Param::InnerSignal, 9, 0}, 2.3, 0}, {{Param::sprdPID, 1, 13}, 2.3, 0},
