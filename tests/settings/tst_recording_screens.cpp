@@ -89,7 +89,6 @@ private slots:
         QCOMPARE(msg2->text(), QString("-. Meter = 999 :  C:\\QM730_Data\\QM730_999.QM7"));
         daily->setChecked(true);
         QCOMPARE(msg2->text(), QString("-. Meter = 999 :  C:\\QM730_Data\\QM730_999_YYYYMMDD.QM7"));
-        QCOMPARE(child<QLabel>(screen, "lblEX")->text(), QString("EX) Folder : C:\\QM730_Data   File Name :  QM730"));
     }
 
     void dataSaveRefusalsAndCancelSaveNothing()
