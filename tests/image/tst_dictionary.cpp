@@ -34,20 +34,12 @@ private slots:
             {{Param::txtAdjustY_T, 1}, 2.09, 457}, {{Param::txtAdjustY_T, 1}, 2.08, 0},
             {{Param::sprdPID, 1, 5}, 1.81, 393}, {{Param::sprdPID, 1, 5}, 1.80, 0}, {{Param::sprdPID, 16, 10}, 1.80, 392},
             {Param::btnOper_Lock, 1.0, 88}, // the extra rows do not depend on the block size
-            {Param::btnTempOutType, 2.2, 72}, {{Param::txtRetHumiRange, 1}, 2.19, 72},
-            {{Param::txtScale1, 1}, 2.3, 28}, {{Param::txtScale1, 0}, 2.3, 29}, {{Param::txtHumiSV_Range, 0}, 2.3, 505},
-            {{Param::sprdSystem_SV, 4}, 2.3, 119}, {{Param::sprdSystem_Hyst, 1}, 2.1, 91},
-            {{Param::txtMC_No, 2}, 2.3, 208}, {{Param::txtMC_No, 2}, 2.1, 182},
+            {{Param::txtScale1, 1}, 2.3, 28}, {{Param::txtScale1, 0}, 2.3, 29}, // a pair: high, then low
             {{Param::InnerSignal, 8, IsDelaySec}, 2.2, 264}, {{Param::InnerSignal, 1, IsSource}, 2.1, 183},
-            {{Param::txtT_LSV, 1}, 2.2, 265}, {{Param::txtT_Hd, 5}, 2.2, 289}, {{Param::txtT_MSV, 1}, 2.1, 0},
-            {{Param::sprdPID, 16, 12}, 2.2, 497}, {{Param::sprdPID, 2, 7}, 2.2, 318},
-            {{Param::sprdDO2_Relay, 36}, 2.2, 167}, {{Param::sprdDO2_Value, 36}, 2.2, 168},
-            {{Param::sprdDO2_Value, 1}, 2.2, 0}, {{Param::sprdDO2_Relay, 1}, 2.1, 0},
-            {{Param::sprdDO_Relay, 36}, 2.1, 150}, {{Param::sprdDO_Value, 36}, 2.1, 151},
-            {{Param::txtUserPass, 4}, 2.1, 256}, {{Param::sprdDT, 6}, 2.1, 17},
+            {{Param::txtT_MSV, 1}, 2.1, 0}, {{Param::sprdDO2_Value, 1}, 2.2, 0}, // not in this firmware
             // Indexes outside the family.
             {{Param::sprdSystem_SV, 5}, 2.3, 0}, {{Param::sprdSystem_SV, 0}, 2.3, 0}, {{Param::txtLPF1, 1}, 2.3, 0},
-            {{Param::txtScale1, 2}, 2.3, 0}, {{Param::InnerSignal, 9, 0}, 2.3, 0}, {{Param::sprdPID, 1, 13}, 2.3, 0},
+            {{Param::InnerSignal, 9, 0}, 2.3, 0}, {{Param::sprdPID, 1, 13}, 2.3, 0},
         };
         for (const Case &c : cases)
             QVERIFY2(RowOf(c.p, c.version) == c.row,
@@ -103,20 +95,22 @@ private slots:
         QCOMPARE(encodingOf(Param::txtTempZone, 1, 2.3), Encoding::TZ);
     }
 
+    // The addresses the request table (tests/link) does not already show.
     void wireAddresses()
     {
         QCOMPARE(WireAddress(295, true, true), 40395);
-        QCOMPARE(WireAddress(295, false, true), 295);
         QCOMPARE(WireAddress(75, true, false), 75);
-        QCOMPARE(ParamWireAddress(Param::txtPIDZone_Manual, 2.2, true), 40395);
-        QCOMPARE(ParamWireAddress(Param::txtPIDZone_Manual, 2.1, true), 75);
         QCOMPARE(ParamWireAddress(ParamRef(Param::sprdDO2_Relay, 22), 2.2, true), 40237);
         QCOMPARE(ParamWireAddress(Param::btnOper_Lock, 2.3, true), 40700);
-        QCOMPARE(ParamWireAddress(Param::btnPatt_Lock, 2.3, true), 40701);
-        // Run settings have no version test.
-        QCOMPARE(ParamWireAddress(Param::btnRun_Method, 2.1, true), 40101);
         QCOMPARE(ParamWireAddress(Param::btnTouch_Lock, 2.1, false), 10);
         QCOMPARE(ParamWireAddress(Param::txtT_MSV, 2.1, true), 0);
+        // Written on purpose to the plain row, or the legacy row whatever the firmware.
+        QCOMPARE(ParamWireAddress(Param::txtTempOutPeriod, 2.31, true, RowAddressing::PlainRow), 73);
+        QCOMPARE(ParamWireAddress(Param::txtTempOutPeriod, 2.1, true, RowAddressing::PlainRow), 55);
+        QCOMPARE(ParamWireAddress(Param::txtTempOutBias, 2.31, true, RowAddressing::LegacyRow), 249);
+        QCOMPARE(WriteRowOf({Param::txtAdjustX_T, 1}, 2.31, RowAddressing::LegacyRow), 463);
+        QCOMPARE(WriteRowOf({Param::txtAdjustX_T, 1}, 2.08, RowAddressing::LegacyRow), 0); // beyond 456 rows
+        QCOMPARE(WriteRowOf(Param::txtTempOutBias, 2.31, RowAddressing::Normal), 81);
     }
 
     void boundsOfEachField()
@@ -146,20 +140,6 @@ private slots:
                      qPrintable(QStringLiteral("%1(%2)").arg(paramName(c.p.param)).arg(c.p.i)));
         }
         QVERIFY(!ParamRange(Param::btnSensorType1, 2.31));
-    }
-
-    void writesOutsideTheNormalAddressing()
-    {
-        // The temperature output period: its row by the version test, plain in every protocol.
-        QCOMPARE(ParamWireAddress(Param::txtTempOutPeriod, 2.31, true, RowAddressing::PlainRow), 73);
-        QCOMPARE(ParamWireAddress(Param::txtTempOutPeriod, 2.1, true, RowAddressing::PlainRow), 55);
-        // The offsets: the legacy row whatever the firmware.
-        QCOMPARE(WriteRowOf(Param::txtBias2_V, 2.31, RowAddressing::LegacyRow), 48);
-        QCOMPARE(ParamWireAddress(Param::txtTempOutBias, 2.31, true, RowAddressing::LegacyRow), 249);
-        QCOMPARE(ParamWireAddress(Param::txtTempOutBias, 1.5, false, RowAddressing::LegacyRow), 249);
-        QCOMPARE(WriteRowOf({Param::txtAdjustX_T, 1}, 2.31, RowAddressing::LegacyRow), 463);
-        QCOMPARE(WriteRowOf({Param::txtAdjustX_T, 1}, 2.08, RowAddressing::LegacyRow), 0); // beyond 456 rows
-        QCOMPARE(WriteRowOf(Param::txtTempOutBias, 2.31, RowAddressing::Normal), 81);
     }
 
     void readAndWriteRows()

@@ -1,9 +1,6 @@
 // The status board's colour file: lenient reading of damaged lines, bounds,
-// writing and reading back; and the fuzzer's corpus replayed through the same
-// checks, so that what once broke the reader stays fixed.
-#include "FuzzMultiColor.h"
+// writing and reading back (its fuzz corpus is replayed in tests/fuzz).
 #include "MultiColor.h"
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -44,19 +41,6 @@ private slots:
         const MultiColors back = readMultiColor(path);
         QCOMPARE(back.size(), 2);
         QCOMPARE(*back[1], (BlockColours{0xFFFFFF, 0, 65280, 255}));
-    }
-
-    void fuzzCorpusRunsThrough()
-    {
-        const QDir dir(qEnvironmentVariable("QM730_SOURCE") + QStringLiteral("/fuzz/corpus/multicolor_cfg"));
-        const QStringList names = dir.entryList(QDir::Files);
-        QVERIFY2(names.size() >= 5, qPrintable(dir.path()));
-        for (const QString &name : names) {
-            QFile f(dir.filePath(name));
-            QVERIFY(f.open(QIODevice::ReadOnly));
-            const QByteArray input = f.readAll();
-            QCOMPARE(fuzzMultiColorCfg(reinterpret_cast<const uint8_t *>(input.constData()), size_t(input.size())), 0);
-        }
     }
 };
 

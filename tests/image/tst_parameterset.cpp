@@ -49,6 +49,30 @@ QStringList filesIn(const QString &dir)
     return QDir(dir).entryList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name);
 }
 
+QByteArray readAll(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<not a file>");
+}
+
+// Every entry of a folder with its bytes.
+QMap<QString, QByteArray> snapshot(const QString &dir)
+{
+    QMap<QString, QByteArray> out;
+    for (const QString &f : filesIn(dir))
+        out[f] = readAll(dir + u'/' + f);
+    return out;
+}
+
+// A set of the sample image saved as <dir>/<name>; its base.
+QString savedSet(const QTemporaryDir &dir, const QString &name, double firmware = 2.31)
+{
+    ControllerImage img;
+    fillImage(img, firmware);
+    const QString base = dir.path() + u'/' + name;
+    return saveParameterSet(img, firmware, base, nullptr) ? base : QString();
+}
+
 } // namespace
 
 class ParameterSetTest : public QObject {
@@ -85,23 +109,16 @@ private slots:
         QCOMPARE(other.sprdUP.text(0, 0), QStringLiteral("2.31"));
     }
 
-    void saveNames_data()
-    {
-        QTest::addColumn<QString>("chosen");
-        QTest::addColumn<QString>("base");
-        QTest::addColumn<bool>("confirm");
-        QTest::newRow("master") << "/d/a.UUP" << "/d/a" << true;
-        QTest::newRow("small letters are a base") << "/d/a.uup" << "/d/a.uup" << false;
-        QTest::newRow("no extension") << "/d/a" << "/d/a" << false;
-        QTest::newRow("inside the name") << "/d/a.UUP.txt" << "/d/a.UUP.txt" << false;
-    }
     void saveNames()
     {
-        QFETCH(QString, chosen);
-        QFETCH(QString, base);
-        QFETCH(bool, confirm);
-        QCOMPARE(saveNameOf(chosen).base, base);
-        QCOMPARE(saveNameOf(chosen).confirmOverwrite, confirm);
+        // Only the master's own extension, in capitals, names a set that exists and is asked about.
+        const std::tuple<const char *, const char *, bool> cases[] = {
+            {"/d/a.UUP", "/d/a", true}, {"/d/a.uup", "/d/a.uup", false}, {"/d/a", "/d/a", false},
+            {"/d/a.UUP.txt", "/d/a.UUP.txt", false}};
+        for (const auto &[chosen, base, confirm] : cases) {
+            QCOMPARE(saveNameOf(QLatin1String(chosen)).base, QLatin1String(base));
+            QCOMPARE(saveNameOf(QLatin1String(chosen)).confirmOverwrite, confirm);
+        }
         QCOMPARE(baseOfMaster(QStringLiteral("/d/a.UUP")), QStringLiteral("/d/a"));
     }
 
@@ -110,32 +127,14 @@ private slots:
     void failedSaveLeavesNoHalfSet()
     {
         QTemporaryDir dir;
-        ControllerImage old;
-        fillImage(old, 2.31);
-        const QString base = dir.path() + QStringLiteral("/set");
-        QVERIFY(saveParameterSet(old, 2.31, base, nullptr));
-        const QStringList before = filesIn(dir.path());
-        QMap<QString, QByteArray> oldBytes;
-        for (const QString &f : before) {
-            QFile file(dir.path() + u'/' + f);
-            QVERIFY(file.open(QIODevice::ReadOnly));
-            oldBytes[f] = file.readAll();
-        }
+        const QString base = savedSet(dir, QStringLiteral("set"));
+        QVERIFY(!base.isEmpty());
+        auto before = snapshot(dir.path());
         ControllerImage fresh;
         fillImage(fresh, 2.31);
         for (int p = 1; p <= 300; ++p)
             for (int c = 1; c <= 2900; c += 7)
                 fresh.sprdSD.setNumber(c, p, 60000 + p); // the segment file grows to megabytes
-        auto unchanged = [&] {
-            if (filesIn(dir.path()) != before)
-                return false;
-            for (auto it = oldBytes.cbegin(); it != oldBytes.cend(); ++it) {
-                QFile file(dir.path() + u'/' + it.key());
-                if (!file.open(QIODevice::ReadOnly) || file.readAll() != it.value())
-                    return false;
-            }
-            return true;
-        };
         QString why;
 
         // A full disk: no file may grow past 1 MB, so the segment file, the
@@ -150,67 +149,49 @@ private slots:
         setrlimit(RLIMIT_FSIZE, &saved);
         QVERIFY(!full);
         QVERIFY2(why.contains(QLatin1String("set.USD")), qPrintable(why));
-        QVERIFY(unchanged());
+        QCOMPARE(snapshot(dir.path()), before);
 
         // Something that is not a file where the pattern file goes: found
         // before any file is replaced.
         QVERIFY(QFile::remove(base + QStringLiteral(".UPD")));
         QVERIFY(QDir().mkdir(base + QStringLiteral(".UPD")));
-        oldBytes.remove(QStringLiteral("set.UPD"));
+        before = snapshot(dir.path());
         QVERIFY(!saveParameterSet(fresh, 2.4, base, &why));
         QVERIFY(why.contains(QLatin1String("set.UPD")));
-        QVERIFY(unchanged());
+        QCOMPARE(snapshot(dir.path()), before);
 
         // A folder that cannot be: nothing is written anywhere.
         QVERIFY(!saveParameterSet(fresh, 2.4, base + QStringLiteral(".UUP/inside"), &why));
-        QVERIFY(unchanged());
+        QCOMPARE(snapshot(dir.path()), before);
     }
 
     void setReadWholeOrNotAtAll()
     {
         QTemporaryDir dir;
-        ControllerImage img;
-        fillImage(img, 2.31);
-        const QString base = dir.path() + QStringLiteral("/set");
-        QVERIFY(saveParameterSet(img, 2.31, base, nullptr));
+        const QString base = savedSet(dir, QStringLiteral("set"));
+        const QString upd = base + QStringLiteral(".UPD"), usd = base + QStringLiteral(".USD"),
+                      uup = base + QStringLiteral(".UUP");
+        const QByteArray patterns = readAll(upd), segments = readAll(usd), master = readAll(uup);
         QString why;
         auto refusedNaming = [&](const char *file) {
             return !readParameterSet(base, &why) && why.contains(QLatin1String(file));
         };
-        // A companion cut short.
-        QFile patterns(base + QStringLiteral(".UPD"));
-        QVERIFY(patterns.open(QIODevice::ReadWrite));
-        const QByteArray full = patterns.readAll();
-        patterns.resize(full.size() / 2);
-        patterns.close();
+        QVERIFY(writeFileAtomic(upd, patterns.left(patterns.size() / 2))); // a companion cut short
         QVERIFY(refusedNaming("set.UPD"));
-        // The text file where the pattern file belongs.
-        QVERIFY(QFile::remove(base + QStringLiteral(".UPD")));
-        QVERIFY(QFile::copy(base + QStringLiteral(".UTD"), base + QStringLiteral(".UPD")));
+        QVERIFY(writeFileAtomic(upd, readAll(base + QStringLiteral(".UTD")))); // the text file in its place
         QVERIFY(refusedNaming("set.UPD"));
-        // A missing companion.
-        QFile segmentFile(base + QStringLiteral(".USD"));
-        QVERIFY(segmentFile.open(QIODevice::ReadOnly));
-        const QByteArray segments = segmentFile.readAll();
-        segmentFile.close();
-        QVERIFY(QFile::remove(base + QStringLiteral(".USD")));
-        QVERIFY(QFile::remove(base + QStringLiteral(".UPD")));
-        QVERIFY(writeFileAtomic(base + QStringLiteral(".UPD"), full));
+        QVERIFY(writeFileAtomic(upd, patterns));
+        QVERIFY(QFile::remove(usd)); // a missing companion
         QVERIFY(refusedNaming("set.USD"));
-        QVERIFY(writeFileAtomic(base + QStringLiteral(".USD"), segments));
+        QVERIFY(writeFileAtomic(usd, segments));
         QVERIFY(readParameterSet(base));
         // A hand-edited word that is no number.
-        QFile master(base + QStringLiteral(".UUP"));
-        QVERIFY(master.open(QIODevice::ReadOnly));
-        QByteArray edited = master.readAll();
-        master.close();
+        QByteArray edited = master;
         const qsizetype at = edited.indexOf("\n1 25 ");
         QVERIFY(at > 0);
-        edited.insert(at + 6, "x");
-        QVERIFY(writeFileAtomic(base + QStringLiteral(".UUP"), edited));
+        QVERIFY(writeFileAtomic(uup, edited.insert(at + 6, "x")));
         QVERIFY(refusedNaming("set.UUP: row 25, column 1"));
-        // A master that is no table at all.
-        QVERIFY(writeFileAtomic(base + QStringLiteral(".UUP"), "QM730 parameters\r\n"));
+        QVERIFY(writeFileAtomic(uup, "QM730 parameters\r\n")); // no table at all
         QVERIFY(refusedNaming("set.UUP"));
     }
 
@@ -261,20 +242,17 @@ private slots:
         QTest::addColumn<double>("machine");
         QTest::addColumn<int>("conversion");
         QTest::addColumn<QList<int>>("rows"); // 187, 188, 189, 156, 162 after it
-        const QList<int> unchanged = {300, 1000, 255, 3250, 1500};
-        QTest::newRow("a: 2.36 to 2.37") << 2.36 << 2.37 << int(Conversion::DigitalInputActions)
-                                         << QList<int>{300, 488, 255, 3250, 1500};
-        QTest::newRow("a, not b: 2.36 to 2.40") << 2.36 << 2.40 << int(Conversion::DigitalInputActions)
-                                                << QList<int>{300, 488, 255, 3250, 1500};
-        QTest::newRow("b: 2.37 to 2.4") << 2.37 << 2.4 << int(Conversion::DigitalOutputValues)
-                                        << QList<int>{300, 1000, 255, 250, 500};
-        QTest::newRow("b: 2.38 to 2.40") << 2.38 << 2.40 << int(Conversion::DigitalOutputValues)
-                                         << QList<int>{300, 1000, 255, 250, 500};
+        const int a = int(Conversion::DigitalInputActions), b = int(Conversion::DigitalOutputValues);
+        const QList<int> unchanged = {300, 1000, 255, 3250, 1500}, afterA = {300, 488, 255, 3250, 1500},
+                         afterB = {300, 1000, 255, 250, 500};
+        QTest::newRow("a: 2.36 to 2.37") << 2.36 << 2.37 << a << afterA;
+        QTest::newRow("a, not b: 2.36 to 2.40") << 2.36 << 2.40 << a << afterA;
+        QTest::newRow("b: 2.37 to 2.4") << 2.37 << 2.4 << b << afterB;
+        QTest::newRow("b: 2.38 to 2.40") << 2.38 << 2.40 << b << afterB;
         QTest::newRow("same era") << 2.4 << 2.51 << int(Conversion::None) << unchanged;
         QTest::newRow("2.2 to 2.3") << 2.2 << 2.3 << int(Conversion::None) << unchanged;
         QTest::newRow("legacy machine") << 1.0 << 2.19 << int(Conversion::None) << unchanged;
-        QTest::newRow("no version in the file") << 0.0 << 2.37 << int(Conversion::DigitalInputActions)
-                                                << QList<int>{300, 488, 255, 3250, 1500};
+        QTest::newRow("no version in the file") << 0.0 << 2.37 << a << afterA;
     }
     void conversions()
     {
@@ -305,39 +283,23 @@ private slots:
         QVERIFY(up.isEmpty(1, 187)); // empty cells stay empty
     }
 
+    // (A 2.09 set on a 2.31 machine is refused at the command line, tests/integration.)
     void setOfAnotherRowCountIsRefused()
     {
         QTemporaryDir dir;
-        ControllerImage made;
-        fillImage(made, 2.31);
-        const QString base = dir.path() + QStringLiteral("/512rows");
-        QVERIFY(saveParameterSet(made, 2.31, base, nullptr));
-        const auto set = readParameterSet(base);
+        const auto set = readParameterSet(savedSet(dir, QStringLiteral("512rows")));
         QVERIFY(set);
-
         ControllerImage machine;
         machine.applyFirmware(2.19);
         machine.PatternLoaded[4] = true;
         const LoadOutcome out = loadParameterSet(machine, *set, {QStringLiteral("9600"), QStringLiteral("N"),
                                                                  QStringLiteral("8"), QStringLiteral("1"), false, false});
         QVERIFY(!out.fits);
-        QCOMPARE(out.setRows, 512);
-        QCOMPARE(out.machineRows, 492);
-        QCOMPARE(machine.sprdUP.rowCount(), 492);
+        QCOMPARE(QList<int>({out.setRows, out.machineRows, machine.sprdUP.rowCount()}), QList<int>({512, 492, 492}));
         // The tables keep what was loaded; the loaded flags are untouched.
         QCOMPARE(machine.sprdPD.text(3, 1), QStringLiteral("33"));
-        QCOMPARE(machine.sprdUP.text(1, 100), made.sprdUP.text(1, 100));
+        QCOMPARE(machine.sprdUP.text(1, 100), QStringLiteral("25700"));
         QVERIFY(machine.PatternLoaded[4]);
-
-        // An older firmware's set on a newer machine is refused the same way.
-        ControllerImage old;
-        fillImage(old, 2.09);
-        QVERIFY(saveParameterSet(old, 2.09, base, nullptr));
-        ControllerImage newer;
-        newer.applyFirmware(2.31);
-        QVERIFY(!loadParameterSet(newer, *readParameterSet(base), {}).fits);
-        QCOMPARE(newer.sprdUP.rowCount(), 512);
-
         // Another firmware with the same row count passes.
         ControllerImage same;
         same.applyFirmware(2.5);

@@ -78,11 +78,21 @@ private slots:
         QCOMPARE(loaded.sprdSD.save(), saved.sprdSD.save());
         QCOMPARE(loaded.sprdTD.text(1, 9), QStringLiteral("line\twith\nbreaks\\"));
         QCOMPARE(patternName(loaded, 1), QStringLiteral("程式組名稱"));
-        QCOMPARE(loaded.sprdSD.colCount(), 2900);
         QVERIFY(!LoadProgramCache(loaded, home.path(), 8, 1)); // another machine has no cache
+
+        // A table of another shape is refused, and the image keeps its own.
+        TextTable small(QStringLiteral("sprdPD"), 5, 5);
+        small.setText(1, 1, QStringLiteral("9"));
+        QVERIFY(write(programCachePath(home.path(), 7, u"PD"), small.save()));
+        ControllerImage image;
+        QVERIFY(!LoadProgramCache(image, home.path(), 7, 1));
+        QCOMPARE(image.sprdPD.colCount(), ControllerImage::PatternWords);
+        QCOMPARE(image.sprdPD.rowCount(), ControllerImage::MaxPatterns);
+        QVERIFY(image.sprdPD.isEmpty(1, 1));
     }
 
-    void cacheLoadStopsAtFirstFailure()
+    // Loading and saving the cache stop at the first file that fails.
+    void cacheStopsAtFirstFailure()
     {
         QTemporaryDir home;
         ControllerImage saved;
@@ -112,32 +122,10 @@ private slots:
         QCOMPARE(patternWord(b, 1, Pd::SegmentCount), 2);
         QCOMPARE(b.sprdSD.text(1, 1), QStringLiteral("old"));
         QVERIFY(b.sprdTD.isEmpty(1, patternNameRow(1)));
-    }
 
-    void cacheRefusesForeignShape()
-    {
-        QTemporaryDir home;
-        ControllerImage saved;
-        fillSample(saved);
-        QVERIFY(SaveProgramCache(saved, home.path(), 4));
-        TextTable small(QStringLiteral("sprdPD"), 5, 5);
-        small.setText(1, 1, QStringLiteral("9"));
-        QVERIFY(write(programCachePath(home.path(), 4, u"PD"), small.save()));
-        ControllerImage image;
-        QVERIFY(!LoadProgramCache(image, home.path(), 4, 1));
-        QCOMPARE(image.sprdPD.colCount(), ControllerImage::PatternWords);
-        QCOMPARE(image.sprdPD.rowCount(), ControllerImage::MaxPatterns);
-        QVERIFY(image.sprdPD.isEmpty(1, 1));
-    }
-
-    void cacheSaveStopsAtFirstFailure()
-    {
-        QTemporaryDir home;
-        ControllerImage image;
-        fillSample(image);
-        // A folder where the .SD file should go makes its write fail.
+        // A folder where the .SD file should go: .PD is written, .TD is not.
         QVERIFY(QDir(home.path()).mkdir(QStringLiteral("LastPData_5.SD")));
-        QVERIFY(!SaveProgramCache(image, home.path(), 5));
+        QVERIFY(!SaveProgramCache(saved, home.path(), 5));
         QVERIFY(QFile::exists(programCachePath(home.path(), 5, u"PD")));
         QVERIFY(!QFile::exists(programCachePath(home.path(), 5, u"TD")));
     }
@@ -145,17 +133,14 @@ private slots:
     void ptnRecvOptFallsBackToTheController()
     {
         QTemporaryDir home;
-        const QString path = home.path() + "/PTN_Recv.OPT";
         QCOMPARE(readPtnRecvOpt(home.path()), 0); // missing
         QVERIFY(writePtnRecvOpt(home.path(), 1));
         QCOMPARE(readPtnRecvOpt(home.path()), 1);
-        QVERIFY(writePtnRecvOpt(home.path(), 0));
-        QCOMPARE(readPtnRecvOpt(home.path()), 0);
         QVERIFY(!writePtnRecvOpt(home.path(), 2));
-        QCOMPARE(readPtnRecvOpt(home.path()), 0);
+        QCOMPARE(readPtnRecvOpt(home.path()), 1);
         for (const auto &[bytes, option] : {std::pair<QByteArray, int>{"2\r\n", 0}, {"-1\r\n", 0}, {"", 0},
-                                            {"x\r\n", 0}, {" 1\r\n0\r\n", 1}}) {
-            QVERIFY(write(path, bytes));
+                                            {"x\r\n", 0}, {" 1\r\n0\r\n", 1}, {"0\r\n", 0}}) {
+            QVERIFY(write(home.path() + "/PTN_Recv.OPT", bytes));
             QCOMPARE(readPtnRecvOpt(home.path()), option);
         }
     }

@@ -37,7 +37,6 @@ struct FakeLine {
     QMap<int, QString> firmware;          // machine -> version text
     QMap<int, QList<int>> rrp;            // machine -> rows
     QMap<int, QByteArray> texts;          // text row -> its 29 bytes (all machines)
-    QByteArray screen;                    // the pixel bytes RCS answers with
     QByteArrayList seen;
 
     QByteArray answer(const QByteArray &frame)
@@ -60,8 +59,6 @@ struct FakeLine {
             const int words = fw >= 2.2 ? 512 : fw >= 2.09 ? 492 : fw >= 1.81 ? 456 : 392;
             return pcReply(m, "RUP", "0000," + QByteArray(2 * words, '\x01'));
         }
-        if (cmd == "RCS" && !screen.isEmpty())
-            return pcReply(m, "RCS", screen);
         if (cmd == "RTD") {
             const int row = frame.mid(8, 4).toInt();
             return pcReply(m, "RTD", digits(row, 4) + "," + texts.value(row).leftJustified(29, '\0', true));

@@ -45,12 +45,10 @@ private slots:
         };
         for (const auto &[got, expected] : cases)
             QCOMPARE(got, expected);
-        const std::pair<QByteArray, int> sizes[] = {
-            {frame_who(1), 10}, {frame_rpd(2, 1, 81), 20}, {frame_rsd(2, 1, 1, 1), 25},
-            {frame_wrp(7, 0, QByteArray(34, '\x03')), 50}, {frame_wpd(7, 3, 0, QByteArray(162, 'a')), 183},
-            {frame_wsd(7, 3, 2, 0, QByteArray(58, 'b')), 84}, {frame_wtd(7, 9, text), 45}};
-        for (const auto &[f, size] : sizes)
-            QCOMPARE(f.size(), size);
+        // Whole rows of data go out whole.
+        QCOMPARE(frame_wrp(7, 0, QByteArray(34, '\x03')).size(), 50);
+        QCOMPARE(frame_wpd(7, 3, 0, QByteArray(162, 'a')).size(), 183);
+        QCOMPARE(frame_wsd(7, 3, 2, 0, QByteArray(58, 'b')).size(), 84);
         // Text row 0 sends nothing.
         QVERIFY(frame_wtd(1, 0, QByteArray(29, 'x')).isEmpty());
     }

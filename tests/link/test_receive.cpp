@@ -153,21 +153,6 @@ private slots:
         h.link->tmrSend.start();
         QTRY_COMPARE(h.state->image.sprdTD.text(1, 16), QStringLiteral("程式組名稱程式組名稱程A"));
     }
-
-    void screenReplyReportsProgress()
-    {
-        LinkHarness h;
-        QList<int> progress;
-        connect(h.link.get(), &CommLink::screenProgress, this, [&](int p) { progress << p; });
-        const QByteArray f = pcReply(1, "RCS", QByteArray(76800, '\x55'));
-        QCOMPARE(f.size(), 76814);
-        for (int i = 0; i + 64 < f.size(); i += 64)
-            QCOMPARE(scan(h, f.mid(i, 64)), 10);
-        QCOMPARE(scan(h, f.mid((f.size() - 1) / 64 * 64)), 0);
-        QVERIFY(progress.size() > 1000);
-        QCOMPARE(progress.last(), 100);
-        QVERIFY(progress[progress.size() / 2] >= 45 && progress[progress.size() / 2] <= 55);
-    }
 };
 
 QTEST_GUILESS_MAIN(ReceiveTest)

@@ -8,22 +8,26 @@
 #include "LiveStatus.h"
 #include <QTemporaryDir>
 #include <QtTest>
+#include <array>
 #include <functional>
 
 namespace {
 
 struct Mail {
-    int code;
-    int index;
-    int word;
+    int code, index, word;
 };
+// Expected mailbox by protocol and layout: [modbus][legacy].
+using Mails = std::array<std::array<Mail, 2>, 2>;
+Mails all(Mail m) { return {{{m, m}, {m, m}}}; }
+Mails byProtocol(Mail pc, Mail modbus) { return {{{pc, pc}, {modbus, modbus}}}; }
+Mails each(Mail pc, Mail pcLegacy, Mail modbus, Mail modbusLegacy) { return {{{pc, pcLegacy}, {modbus, modbusLegacy}}}; }
 
+using Check = std::function<void(const ConsoleState &, bool modbus, bool legacy)>;
 struct Case {
     const char *what;
     std::function<void(Requests)> post;
-    // Expected mailbox by protocol and layout: [modbus][legacy].
-    Mail expected[2][2];
-    std::function<void(const ConsoleState &, bool modbus, bool legacy)> check = {};
+    Mails expected;
+    Check check = {};
 };
 
 int mailWord(const ConsoleState &s)
@@ -34,11 +38,25 @@ int mailWord(const ConsoleState &s)
 QByteArray words(std::initializer_list<int> list)
 {
     QByteArray b;
-    for (int w : list) {
-        b += char((w >> 8) & 0xFF);
-        b += char(w & 0xFF);
-    }
+    for (int w : list)
+        b += char((w >> 8) & 0xFF) + QByteArray(1, char(w & 0xFF));
     return b;
+}
+
+// Checks of the chain variables a request leaves beside the mailbox.
+Check indexEnd(int end)
+{
+    return [end](const ConsoleState &s, bool, bool) { QCOMPARE(s.CmdIndexEnd, end); };
+}
+Check chain(int pattern, int segment, int count)
+{
+    return [=](const ConsoleState &s, bool, bool) {
+        QCOMPARE(QList<int>({s.PatternNo, s.SegmentNo, s.SegmentCount}), QList<int>({pattern, segment, count}));
+    };
+}
+Check upText(int row, const char *text)
+{
+    return [=](const ConsoleState &s, bool, bool) { QCOMPARE(s.image.sprdUP.text(1, row), QLatin1String(text)); };
 }
 
 } // namespace
@@ -63,34 +81,30 @@ private slots:
     {
         const int T = Rrp::TempTargetSV;
         const QList<Case> cases = {
-            {"stop", [](Requests r) { r.stop(); }, {{{1, 0, 0}, {1, 0, 0}}, {{1, 0, 0}, {1, 0, 0}}}},
-            {"read the parameter block", [](Requests r) { r.readParameters(); },
-             {{{3, 0, 0}, {3, 0, 0}}, {{3, 0, 0}, {3, 0, 0}}}},
-            {"run word", [T](Requests r) { r.writeRunWord(T, 12550); },
-             {{{101, 12, 12550}, {101, 12, 12550}}, {{101, 40012, 12550}, {101, 40012, 12550}}}},
+            {"stop", [](Requests r) { r.stop(); }, all({1, 0, 0})},
+            {"read the parameter block", [](Requests r) { r.readParameters(); }, all({3, 0, 0})},
+            {"run word", [T](Requests r) { r.writeRunWord(T, 12550); }, byProtocol({101, 12, 12550}, {101, 40012, 12550})},
             // Row 295 current, 75 legacy; the register offset only in the current layout.
             {"parameter", [](Requests r) { r.writeParameter(Param::txtPIDZone_Manual, 7, QStringLiteral("7")); },
-             {{{102, 295, 7}, {102, 75, 7}}, {{102, 40395, 7}, {102, 75, 7}}},
+             each({102, 295, 7}, {102, 75, 7}, {102, 40395, 7}, {102, 75, 7}),
              [](const ConsoleState &s, bool, bool legacy) {
                  QCOMPARE(s.image.sprdUP.text(1, legacy ? 75 : 295), QStringLiteral("7"));
              }},
             // Fields written on purpose to the plain row, or the legacy row, in every protocol.
             {"parameter, plain row",
              [](Requests r) { r.writeParameter({Param::txtTempOutV, 1}, 10500, {}, RowAddressing::PlainRow); },
-             {{{102, 75, 10500}, {102, 57, 10500}}, {{102, 75, 10500}, {102, 57, 10500}}}},
+             each({102, 75, 10500}, {102, 57, 10500}, {102, 75, 10500}, {102, 57, 10500})},
             {"parameter, legacy row",
              [](Requests r) { r.writeParameter(Param::txtBias1_V, 9900, {}, RowAddressing::LegacyRow); },
-             {{{102, 35, 9900}, {102, 35, 9900}}, {{102, 35, 9900}, {102, 35, 9900}}},
-             [](const ConsoleState &s, bool, bool) { QCOMPARE(s.image.sprdUP.text(1, 35), QStringLiteral("9900")); }},
+             all({102, 35, 9900}), upText(35, "9900")},
             // Run settings have one row in both layouts, and the register offset in both.
             {"run setting", [](Requests r) { r.writeParameter(Param::txtRun_Minute, 30); },
-             {{{102, 3, 30}, {102, 3, 30}}, {{102, 40103, 30}, {102, 40103, 30}}},
-             [](const ConsoleState &s, bool, bool) { QCOMPARE(s.image.sprdUP.text(1, 3), QStringLiteral("30")); }},
+             byProtocol({102, 3, 30}, {102, 40103, 30}), upText(3, "30")},
             {"extension row", [](Requests r) { r.writeParameter(Param::btnPatt_Lock, 1); },
-             {{{102, 89, 1}, {102, 89, 1}}, {{102, 40701, 1}, {102, 40701, 1}}},
+             byProtocol({102, 89, 1}, {102, 40701, 1}),
              [](const ConsoleState &s, bool, bool) { QCOMPARE(s.image.sprdUP_PLUS.text(1, 89), QStringLiteral("1")); }},
             {"parameter rows", [](Requests r) { r.writeParameterRows(290, 293); },
-             {{{150, 290, 0}, {150, 290, 0}}, {{150, 40390, 0}, {150, 290, 0}}},
+             each({150, 290, 0}, {150, 290, 0}, {150, 40390, 0}, {150, 290, 0}),
              [](const ConsoleState &s, bool modbus, bool) {
                  QCOMPARE(s.CmdIndexEnd, 293);
                  if (modbus) {
@@ -99,82 +113,56 @@ private slots:
                  }
              }},
             {"curve rows", [](Requests r) { r.writeCurveRows(32, 45); },
-             {{{400, 32, 0}, {400, 32, 0}}, {{401, 40132, 0}, {401, 32, 0}}},
+             each({400, 32, 0}, {400, 32, 0}, {401, 40132, 0}, {401, 32, 0}),
              [](const ConsoleState &s, bool modbus, bool) {
                  QCOMPARE(s.CmdIndexEnd, 45);
                  if (modbus)
                      QCOMPARE(s.WriteBlockCount, 14);
              }},
-            {"clock rows", [](Requests r) { r.writeClockRows(12, 17); },
-             {{{104, 12, 0}, {104, 12, 0}}, {{104, 40112, 0}, {104, 40112, 0}}},
+            {"clock rows", [](Requests r) { r.writeClockRows(12, 17); }, byProtocol({104, 12, 0}, {104, 40112, 0}),
              [](const ConsoleState &s, bool modbus, bool) {
                  QCOMPARE(s.CmdIndexEnd, 17);
                  if (modbus)
                      QCOMPARE(s.WriteBlock, words({26, 11, 23, 9, 30, 0}));
              }},
-            {"text row", [](Requests r) { r.writeTextRow(10); },
-             {{{103, 10, 0}, {103, 10, 0}}, {{103, 10, 0}, {103, 10, 0}}},
-             [](const ConsoleState &s, bool, bool) { QCOMPARE(s.CmdIndexEnd, 10); }},
-            {"text rows 9 to 11", [](Requests r) { r.readTextRows(9, 11); },
-             {{{4, 9, 0}, {4, 9, 0}}, {{9, 9, 0}, {9, 9, 0}}},
-             [](const ConsoleState &s, bool, bool) { QCOMPARE(s.CmdIndexEnd, 11); }},
-            {"text rows 1 to 8", [](Requests r) { r.readTextRows(1, 8); },
-             {{{4, 1, 0}, {4, 1, 0}}, {{8, 1, 0}, {8, 1, 0}}}},
-            {"pattern name", [](Requests r) { r.readPatternName(12); },
-             {{{4, 23, 0}, {4, 23, 0}}, {{9002, 23, 0}, {9002, 23, 0}}},
-             [](const ConsoleState &s, bool, bool) { QCOMPARE(s.CmdIndexEnd, 23); }},
-            {"first pattern's name", [](Requests r) { r.readPatternName(1); },
-             {{{4, 12, 0}, {4, 12, 0}}, {{9001, 12, 0}, {9001, 12, 0}}}},
+            {"text row", [](Requests r) { r.writeTextRow(10); }, all({103, 10, 0}), indexEnd(10)},
+            {"text rows 9 to 11", [](Requests r) { r.readTextRows(9, 11); }, byProtocol({4, 9, 0}, {9, 9, 0}), indexEnd(11)},
+            {"text rows 1 to 8", [](Requests r) { r.readTextRows(1, 8); }, byProtocol({4, 1, 0}, {8, 1, 0})},
+            {"pattern name", [](Requests r) { r.readPatternName(12); }, byProtocol({4, 23, 0}, {9002, 23, 0}), indexEnd(23)},
+            {"first pattern's name", [](Requests r) { r.readPatternName(1); }, byProtocol({4, 12, 0}, {9001, 12, 0})},
             {"last name of the Modbus chain", [](Requests r) { r.readPatternName(100); },
-             {{{4, 111, 0}, {4, 111, 0}}, {{9010, 111, 0}, {9010, 111, 0}}}},
-            {"name past the Modbus chain", [](Requests r) { r.readPatternName(101); },
-             {{{4, 112, 0}, {4, 112, 0}}, {{0, 0, 0}, {0, 0, 0}}}},
-            {"screen", [](Requests r) { r.readScreen(); }, {{{11, 0, 0}, {11, 0, 0}}, {{11, 0, 0}, {11, 0, 0}}}},
-            {"pattern word", [](Requests r) { r.writePatternWord(5, 8, 1250); },
-             {{{201, 8, 1250}, {201, 8, 1250}}, {{201, 8, 1250}, {201, 8, 1250}}},
+             byProtocol({4, 111, 0}, {9010, 111, 0})},
+            {"name past the Modbus chain", [](Requests r) { r.readPatternName(101); }, byProtocol({4, 112, 0}, {0, 0, 0})},
+            {"screen", [](Requests r) { r.readScreen(); }, all({11, 0, 0})},
+            {"pattern word", [](Requests r) { r.writePatternWord(5, 8, 1250); }, all({201, 8, 1250}),
              [](const ConsoleState &s, bool, bool) { QCOMPARE(s.PatternNo, 5); }},
-            {"segment words", [](Requests r) { r.writeSegmentWords(5, 3, 6, 8, 2); },
-             {{{202, 6, 2}, {202, 6, 2}}, {{202, 6, 2}, {202, 6, 2}}},
+            {"segment words", [](Requests r) { r.writeSegmentWords(5, 3, 6, 8, 2); }, all({202, 6, 2}),
              [](const ConsoleState &s, bool, bool) {
                  QCOMPARE(QList<int>({s.PatternNo, s.SegmentNo, s.CmdIndexEnd}), QList<int>({5, 3, 8}));
              }},
-            {"segment count", [](Requests r) { r.writeSegmentCount(5, 4, 6, 6); },
-             {{{203, 1, 6}, {203, 1, 6}}, {{203, 1, 6}, {203, 1, 6}}},
-             [](const ConsoleState &s, bool, bool) {
-                 QCOMPARE(QList<int>({s.PatternNo, s.SegmentNo, s.SegmentCount}), QList<int>({5, 4, 6}));
-             }},
-            {"whole pattern", [](Requests r) { r.writePattern(9); },
-             {{{205, 0, 0}, {205, 0, 0}}, {{205, 0, 0}, {205, 0, 0}}},
+            {"segment count", [](Requests r) { r.writeSegmentCount(5, 4, 6, 6); }, all({203, 1, 6}), chain(5, 4, 6)},
+            {"whole pattern", [](Requests r) { r.writePattern(9); }, all({205, 0, 0}),
              [](const ConsoleState &s, bool, bool) { QCOMPARE(s.PatternNo, 9); }},
-            {"whole program", [](Requests r) { r.writeProgram(9, 3); },
-             {{{211, 0, 0}, {211, 0, 0}}, {{211, 0, 0}, {211, 0, 0}}},
-             [](const ConsoleState &s, bool, bool) {
-                 QCOMPARE(QList<int>({s.PatternNo, s.SegmentNo, s.SegmentCount}), QList<int>({9, 1, 3}));
-             }},
-            {"machine word", [](Requests r) { r.writeMachineWord(1, Cmd::MachineTempSV, 12550); },
-             {{{325, 0, 12550}, {325, 0, 12550}}, {{325, 0, 12550}, {325, 0, 12550}}},
+            {"whole program", [](Requests r) { r.writeProgram(9, 3); }, all({211, 0, 0}), chain(9, 1, 3)},
+            {"machine word", [](Requests r) { r.writeMachineWord(1, Cmd::MachineTempSV, 12550); }, all({325, 0, 12550}),
              [](const ConsoleState &s, bool, bool) { QCOMPARE(s.NextPollSlot, 1); }},
-            {"parameter receive", [](Requests r) { r.startParameterReceive(true); },
-             {{{51, 0, 0}, {51, 0, 0}}, {{5101, 0, 0}, {5101, 0, 0}}},
+            {"parameter receive", [](Requests r) { r.startParameterReceive(true); }, byProtocol({51, 0, 0}, {5101, 0, 0}),
              [](const ConsoleState &s, bool, bool) {
                  QCOMPARE(s.BulkFormName, QStringLiteral("frmQM730_P_Recv"));
                  QCOMPARE(s.bulkJob, BulkJob::ParameterReceive);
                  QVERIFY(s.BulkWithPrograms);
              }},
-            {"parameter send", [](Requests r) { r.startParameterSend(false); },
-             {{{151, 0, 0}, {151, 0, 0}}, {{1511, 0, 0}, {1511, 0, 0}}},
+            {"parameter send", [](Requests r) { r.startParameterSend(false); }, byProtocol({151, 0, 0}, {1511, 0, 0}),
              [](const ConsoleState &s, bool, bool) {
                  QCOMPARE(s.BulkFormName, QStringLiteral("frmQM730_P_Send"));
                  QVERIFY(!s.BulkWithPrograms);
              }},
-            {"name fetch", [](Requests r) { r.startNameFetch(14); },
-             {{{52, 14, 0}, {52, 14, 0}}, {{5199, 14, 0}, {5199, 14, 0}}},
+            {"name fetch", [](Requests r) { r.startNameFetch(14); }, byProtocol({52, 14, 0}, {5199, 14, 0}),
              [](const ConsoleState &s, bool, bool legacy) {
                  QCOMPARE(s.BulkFormName, QStringLiteral("frmQM730_PTN_Recv"));
                  QCOMPARE(s.CmdIndexEnd, legacy ? 311 : 111);
              }},
-            {"pattern fetch", [](Requests r) { r.startPatternFetch(7); },
-             {{{53, 0, 0}, {53, 0, 0}}, {{53, 0, 0}, {53, 0, 0}}},
+            {"pattern fetch", [](Requests r) { r.startPatternFetch(7); }, all({53, 0, 0}),
              [](const ConsoleState &s, bool, bool) {
                  QCOMPARE(s.bulkJob, BulkJob::ProgramFetch);
                  QCOMPARE(s.PatternNo, 7);

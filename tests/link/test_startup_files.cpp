@@ -36,18 +36,17 @@ private slots:
 
     void commWait()
     {
+        const QString file = QStringLiteral("CommWait.TM");
         QCOMPARE(readCommWait(home()), 0);
-        QCOMPARE(contents(QStringLiteral("CommWait.TM")), QByteArray("0\r\n")); // written anew
-        put(QStringLiteral("CommWait.TM"), "");
-        QCOMPARE(readCommWait(home()), 0);
-        QCOMPARE(contents(QStringLiteral("CommWait.TM")), QByteArray("0\r\n"));
-        put(QStringLiteral("CommWait.TM"), "1000\r\n");
-        QCOMPARE(readCommWait(home()), 1000);
-        put(QStringLiteral("CommWait.TM"), " 250ms");
-        QCOMPARE(readCommWait(home()), 250);
-        put(QStringLiteral("CommWait.TM"), "slow");
-        QCOMPARE(readCommWait(home()), 0);
-        QCOMPARE(contents(QStringLiteral("CommWait.TM")), QByteArray("slow")); // readable: kept
+        QCOMPARE(contents(file), QByteArray("0\r\n")); // a missing file is written anew
+        // An empty file is written anew; an unreadable number is 0 and the file is kept.
+        for (const auto &[bytes, wait, after] : {std::tuple<QByteArray, int, QByteArray>{"", 0, "0\r\n"},
+                                                 {"1000\r\n", 1000, "1000\r\n"}, {" 250ms", 250, " 250ms"},
+                                                 {"slow", 0, "slow"}}) {
+            put(file, bytes);
+            QCOMPARE(readCommWait(home()), wait);
+            QCOMPARE(contents(file), after);
+        }
     }
 
     void commPortFile()
@@ -78,20 +77,17 @@ private slots:
         QCOMPARE(missing.CommBaud, QStringLiteral("115200"));
     }
 
-    void runIniMissingCreatesTheFolder()
+    void runIniMissingOrSingle()
     {
-        const MachineList list = Get_RunCFG(home());
-        QVERIFY(QDir(programPath(home(), QStringLiteral("CFG"))).exists());
+        MachineList list = Get_RunCFG(home());
+        QVERIFY(QDir(programPath(home(), QStringLiteral("CFG"))).exists()); // the folder is made
         QVERIFY(!list.multiMode);
         QCOMPARE(list.machines.size(), 1);
         QCOMPARE(list.machines[0].MachineNumber, 1);
         QVERIFY(contents(QStringLiteral("Err.LOG")).contains(",Get_RunCFG"));
-    }
 
-    void runIniSingleMode()
-    {
         put(QStringLiteral("CFG/Run.INI"), QByteArray("單機\r\n7\r\nO\tA\r\n"));
-        const MachineList list = Get_RunCFG(home());
+        list = Get_RunCFG(home());
         QVERIFY(!list.multiMode);
         QCOMPARE(list.machines.size(), 1);
         QCOMPARE(list.machines[0].MachineNumber, 7);
@@ -136,11 +132,9 @@ private slots:
 
     void lenientNumbers()
     {
-        QCOMPARE(leadingNumber(QStringLiteral("12abc")), 12.0);
-        QCOMPARE(leadingNumber(QStringLiteral(" -3.5e1x")), -35.0);
-        QCOMPARE(leadingNumber(QStringLiteral("abc")), 0.0);
-        QCOMPARE(leadingNumber(QString()), 0.0);
-        QCOMPARE(leadingNumber(QStringLiteral("1 2")), 12.0);
+        for (const auto &[text, number] : {std::pair{"12abc", 12.0}, {" -3.5e1x", -35.0}, {"abc", 0.0}, {"", 0.0},
+                                           {"1 2", 12.0}})
+            QCOMPARE(leadingNumber(QLatin1String(text)), number);
         QCOMPARE(leadingInt(QStringLiteral("2.5")), 2);
         QCOMPARE(leadingInt(QStringLiteral("3.5")), 4);
     }

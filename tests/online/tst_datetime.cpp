@@ -2,6 +2,7 @@
 // the line in both link families, its refusals, and its cells following the
 // computer's clock or the controller's image.
 #include "ButtonColour.h"
+#include "PcLinkReplies.h"
 #include "ScreenBench.h"
 #include "Widgets.h"
 #include "frmQM730Online_DateTime.h"
@@ -18,17 +19,15 @@ const QDateTime Now(QDate(2030, 5, 6), QTime(7, 8, 9));
 QByteArray be(std::initializer_list<int> words)
 {
     QByteArray b;
-    for (int w : words) {
-        b += char(w >> 8);
-        b += char(w & 0xFF);
-    }
+    for (int w : words)
+        b += word(w);
     return b;
 }
 
-// A write of one parameter row as the frame table has it, with its answer.
-QByteArray wup(int row, int word)
+// A write of one parameter row to machine 1.
+QByteArray wup(int row, int value)
 {
-    return "\x02" "001WUP," + QByteArray::number(row).rightJustified(4, '0') + "," + be({word}) + "\x03\r\n";
+    return "\x02" "001WUP," + digits(row, 4) + "," + word(value) + "\x03\r\n";
 }
 
 QByteArray withCrc(QByteArray f)
@@ -80,8 +79,7 @@ struct Page {
     {
         bench.port.responder = [this](const QByteArray &f) -> QByteArray {
             if (f.mid(4, 3) == "WUP")
-                return "\x02" "001WUP,OK," + QByteArray::number(f.mid(8, 4).toInt() + echoOffset).rightJustified(4, '0')
-                       + "\x03\r\n";
+                return pcReply(1, "WUP", digits(f.mid(8, 4).toInt() + echoOffset, 4));
             if (f.size() > 6 && f[1] == 16)
                 return withCrc(f.left(6));
             return {};

@@ -2,6 +2,7 @@
 // bar, and captures that fail (a bad check, a line lost, a stop, a file that
 // cannot be written) keeping the last picture; saving a copy; Modbus RTU.
 #include "ModalDriver.h"
+#include "PcLinkReplies.h"
 #include "ScreenBench.h"
 #include "Widgets.h"
 #include "frmQM730Online_Screen.h"
@@ -23,17 +24,10 @@ QByteArray pixels(int seed)
     return p;
 }
 
-// The reply of the capture as the frame table has it (with the sum when asked).
+// The reply of the capture (with the sum when asked).
 QByteArray reply(const QByteArray &pixels, bool sum = false)
 {
-    QByteArray f = "\x02" "001RCS,OK," + pixels + "\x03\r\n";
-    if (sum) {
-        unsigned s = 0;
-        for (char c : f)
-            s += quint8(c);
-        f += char((s >> 8) & 0xFF) + QByteArray(1, char(s & 0xFF));
-    }
-    return f;
+    return pcReply(1, "RCS", pixels, sum);
 }
 
 quint32 le(const QByteArray &b, int at, int size)

@@ -1,8 +1,8 @@
-// Logs as fast as it can until it is killed, or for a given number of ticks:
-// four machines online and running, one row per machine per tick, the clock
-// advanced by a second per tick. Prints "READY" once the first rows are written.
+// Logs as fast as it can until it is killed: four machines online and
+// running, one row per machine per tick, the clock advanced by a second per
+// tick. Prints "READY" once the first rows are written.
 //
-//   runlog_soak HOME [TICKS]
+//   runlog_soak HOME
 #include "ConsoleState.h"
 #include "RunLogger.h"
 #include <QCoreApplication>
@@ -14,7 +14,6 @@ int main(int argc, char **argv)
     if (argc < 2)
         return 2;
     const QString home = QString::fromLocal8Bit(argv[1]);
-    const qint64 ticks = argc > 2 ? QByteArray(argv[2]).toLongLong() : -1;
     ConsoleState state(home);
     state.setMachines({{1, {}, true, true}, {2, {}, true, true}, {3, {}, true, true}, {999, {}, true, true}});
     state.image.setTempDecimals(2);
@@ -25,7 +24,7 @@ int main(int argc, char **argv)
     logger.setClock([&now] { return now; });
     logger.loadSettings();
     logger.markStart();
-    for (qint64 tick = 1; ticks < 0 || tick <= ticks; ++tick) {
+    for (qint64 tick = 1;; ++tick) {
         const int wave = int(tick % 4000);
         for (int slot = 0; slot < 4; ++slot) {
             // Slot 2 has a burnt-out sensor, slot 3 no humidity control.
@@ -40,5 +39,4 @@ int main(int argc, char **argv)
             std::fflush(stdout);
         }
     }
-    return 0;
 }

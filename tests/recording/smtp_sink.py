@@ -2,10 +2,9 @@
 
     /usr/bin/python3 smtp_sink.py OUTDIR [accept|reject]
 
-Prints "PORT <n>" once it listens on 127.0.0.1, then stores every accepted
-message as OUTDIR/<n>.json (envelope, decoded subject and body, raw text).
-In "reject" mode every recipient is refused with 550. Runs until killed or
-until stdin closes.
+Prints "PORT <n>" once it listens on 127.0.0.1 and stores each accepted
+message as OUTDIR/<n>.json; "reject" refuses every recipient with 550.
+Runs until stdin closes.
 """
 import json
 import os
@@ -18,9 +17,7 @@ from aiosmtpd.controller import Controller
 
 class Sink:
     def __init__(self, outdir, reject):
-        self.outdir = outdir
-        self.reject = reject
-        self.count = 0
+        self.outdir, self.reject, self.count = outdir, reject, 0
 
     async def handle_RCPT(self, server, session, envelope, address, rcpt_options):
         if self.reject:
@@ -30,34 +27,23 @@ class Sink:
 
     async def handle_DATA(self, server, session, envelope):
         msg = message_from_bytes(envelope.original_content or envelope.content, policy=policy.default)
-        record = {
-            "mail_from": envelope.mail_from,
-            "rcpt_tos": envelope.rcpt_tos,
-            "subject": str(msg["subject"]),
-            "body": msg.get_content(),
-            "content_type": msg.get_content_type(),
-            "charset": msg.get_content_charset(),
-        }
+        record = {"mail_from": envelope.mail_from, "rcpt_tos": envelope.rcpt_tos, "subject": str(msg["subject"]),
+                  "body": msg.get_content(), "charset": msg.get_content_charset()}
         self.count += 1
         path = os.path.join(self.outdir, "%04d.json" % self.count)
         with open(path + ".tmp", "w", encoding="utf-8") as f:
             json.dump(record, f, ensure_ascii=False)
-        os.replace(path + ".tmp", path)
+        os.replace(path + ".tmp", path)  # the test never reads half a file
         return "250 Message accepted"
 
 
-def free_port():
-    with socket.socket() as s:
-        s.bind(("127.0.0.1", 0))
-        return s.getsockname()[1]
-
-
 def main():
-    outdir = sys.argv[1]
-    reject = len(sys.argv) > 2 and sys.argv[2] == "reject"
-    for _ in range(20):
-        port = free_port()
-        controller = Controller(Sink(outdir, reject), hostname="127.0.0.1", port=port)
+    sink = Sink(sys.argv[1], len(sys.argv) > 2 and sys.argv[2] == "reject")
+    for _ in range(20):  # a free port may be taken before the server binds it
+        with socket.socket() as s:
+            s.bind(("127.0.0.1", 0))
+            port = s.getsockname()[1]
+        controller = Controller(sink, hostname="127.0.0.1", port=port)
         try:
             controller.start()
             break

@@ -23,36 +23,26 @@ class TestEvents : public QObject {
     std::unique_ptr<CommLink> link;
     QList<QStringList> launches; // program, arguments..., working folder
 
-    // One reply of a slot, taken as the poll takes it: state 1 stores RRP,
-    // state 2 stores RCV. The test is the line: no further frame goes out.
-    void receive(int slot, int cmdState, const QByteArray &reply)
+    // One poll reply of a slot with the words changed, taken as the poll
+    // takes it: state 1 stores RRP, state 2 RCV. The test is the line: no
+    // further frame goes out.
+    void receive(int slot, bool status, const QMap<int, int> &changes)
     {
+        const TextTable &table = status ? state->image.sprdRCV : state->image.sprdRRP;
+        QList<int> rows;
+        for (int row = 1; row <= (status ? 27 : 17); ++row)
+            rows << changes.value(row, int(table.number(slot + 1, row)));
+        const int machine = state->machines[slot].MachineNumber;
         state->PollSlot = slot;
         state->NextPollSlot = -1;
-        state->CmdState = cmdState;
+        state->CmdState = status ? Cmd::PollValues : Cmd::Poll;
         state->RxSettleMs = 0;
-        port->feed(reply);
+        port->feed(status ? rcvReply(machine, rows) : rrpReply(machine, rows));
         link->tmrSend.stop();
         link->tmrRecvErr.stop();
     }
-
-    // An RCV reply of a slot: its present status words with the changes.
-    void statusStep(int slot, const QMap<int, int> &changes)
-    {
-        QList<int> rows;
-        for (int row = 1; row <= 27; ++row)
-            rows << changes.value(row, int(state->image.sprdRCV.number(slot + 1, row)));
-        receive(slot, Cmd::PollValues, rcvReply(state->machines[slot].MachineNumber, rows));
-    }
-
-    // An RRP reply of a slot with its run word.
-    void runState(int slot, bool running)
-    {
-        QList<int> rows;
-        for (int row = 1; row <= 17; ++row)
-            rows << (row == 1 ? int(running) : int(state->image.sprdRRP.number(slot + 1, row)));
-        receive(slot, Cmd::Poll, rrpReply(state->machines[slot].MachineNumber, rows));
-    }
+    void statusStep(int slot, const QMap<int, int> &changes) { receive(slot, true, changes); }
+    void runState(int slot, bool running) { receive(slot, false, {{1, int(running)}}); }
 
     QStringList eventTexts(int machine)
     {

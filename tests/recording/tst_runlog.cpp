@@ -36,6 +36,12 @@ class TestRunLog : public QObject {
             out << l.split(u'\t');
         return out;
     }
+    // One tick of the logger, a second later.
+    void tick(RunLogger &logger)
+    {
+        m_now = m_now.addSecs(1);
+        logger.Timer1_Timer();
+    }
 
 private slots:
     void init()
@@ -98,16 +104,10 @@ private slots:
         state->image.setTempDecimals(decimals);
         setValues(*state, 0, words);
         auto logger = makeLogger(*state);
-        m_now = m_now.addSecs(1);
-        logger->Timer1_Timer();
-
+        tick(*logger);
         const auto r = rows(home + "/data/QM730_001.QM7");
         QCOMPARE(r.size(), 1);
-        QCOMPARE(r[0].size(), 9);
-        QCOMPARE(r[0][0], QString("00000001"));
-        QCOMPARE(r[0][1], QString("2026/03/01"));
-        QCOMPARE(r[0][2], QString("08:00:01"));
-        QCOMPARE(r[0].mid(3), fields);
+        QCOMPARE(r[0], QStringList({"00000001", "2026/03/01", "08:00:01"}) + fields);
         QVERIFY(fileBytes(home + "/data/QM730_001.QM7").endsWith("\r\n"));
     }
 
@@ -141,10 +141,8 @@ private slots:
     {
         auto state = makeState(home, {1});
         auto logger = makeLogger(*state, {"No", "1", "sec", home + "/data", "QM730", "0", "0", "0"});
-        for (int i = 1; i <= 5; ++i) {
-            m_now = m_now.addSecs(10);
-            logger->Timer1_Timer();
-        }
+        for (int i = 1; i <= 5; ++i)
+            tick(*logger);
         QCOMPARE(logger->LogSequence(), 0);
         QVERIFY(QDir(home + "/data").entryList(QDir::Files).isEmpty());
         QVERIFY(logger->timer()->isActive()); // restarted on the early way out too
@@ -166,25 +164,22 @@ private slots:
         auto logger = makeLogger(*state);
         // A tick without any machine to log still takes a number.
         state->machines[0].MachineRunning = state->machines[1].MachineRunning = false;
-        m_now = m_now.addSecs(1);
-        logger->Timer1_Timer();
+        tick(*logger);
         state->machines[0].MachineRunning = state->machines[1].MachineRunning = true;
-        for (int i = 0; i < 2; ++i) {
-            m_now = m_now.addSecs(1);
-            logger->Timer1_Timer();
-        }
+        tick(*logger);
+        tick(*logger);
         state->machines[1].MachineOnline = false;
-        m_now = m_now.addSecs(1);
-        logger->Timer1_Timer();
+        tick(*logger);
 
         QCOMPARE(QDir(home + "/data").entryList(QDir::Files), (QStringList{"QM730_001.QM7", "QM730_002.QM7"}));
-        QStringList seq1, seq2;
-        for (const auto &r : rows(home + "/data/QM730_001.QM7"))
-            seq1 << r[0];
-        for (const auto &r : rows(home + "/data/QM730_002.QM7"))
-            seq2 << r[0];
-        QCOMPARE(seq1, (QStringList{"00000002", "00000003", "00000004"}));
-        QCOMPARE(seq2, (QStringList{"00000002", "00000003"}));
+        auto sequence = [&](const char *file) {
+            QStringList out;
+            for (const auto &r : rows(home + "/data/" + file))
+                out << r[0];
+            return out;
+        };
+        QCOMPARE(sequence("QM730_001.QM7"), (QStringList{"00000002", "00000003", "00000004"}));
+        QCOMPARE(sequence("QM730_002.QM7"), (QStringList{"00000002", "00000003"}));
     }
 
     void intervalAndClosedPort()
@@ -224,23 +219,20 @@ private slots:
     {
         auto state = makeState(home, {1, 2});
         auto logger = makeLogger(*state);
-        auto second = [&] {
-            m_now = m_now.addSecs(1);
-            logger->Timer1_Timer();
+        auto rowCounts = [&] {
+            return QList<qsizetype>({crlfLines(home + "/data/QM730_001.QM7").size(),
+                                     crlfLines(home + "/data/QM730_002.QM7").size()});
         };
-        second();
-        QCOMPARE(crlfLines(home + "/data/QM730_001.QM7").size(), 1);
+        tick(*logger);
         logger->lineLost();
-        second(); // the port open again, the machines online again, not read yet
-        QCOMPARE(crlfLines(home + "/data/QM730_001.QM7").size(), 1);
-        QCOMPARE(crlfLines(home + "/data/QM730_002.QM7").size(), 1);
+        tick(*logger); // the port open again, the machines online again, not read yet
+        QCOMPARE(rowCounts(), QList<qsizetype>({1, 1}));
         logger->statusRead(1);
-        second();
-        QCOMPARE(crlfLines(home + "/data/QM730_001.QM7").size(), 1);
-        QCOMPARE(crlfLines(home + "/data/QM730_002.QM7").size(), 2);
+        tick(*logger);
+        QCOMPARE(rowCounts(), QList<qsizetype>({1, 2}));
         logger->statusRead(0);
-        second();
-        QCOMPARE(crlfLines(home + "/data/QM730_001.QM7").size(), 2);
+        tick(*logger);
+        QCOMPARE(rowCounts(), QList<qsizetype>({2, 3}));
     }
 };
 

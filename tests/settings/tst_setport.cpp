@@ -3,6 +3,7 @@
 #include "ScreenBench.h"
 #include "Pty.h"
 #include "TestHome.h"
+#include "Widgets.h"
 #include "frmQM730_Set_Port.h"
 #include <QComboBox>
 #include <QLabel>
@@ -11,23 +12,14 @@
 #include <QtTest>
 
 namespace {
-QString text(QWidget &page, const char *label)
-{
-    return page.findChild<QLabel *>(QLatin1String(label))->text();
-}
+QString text(QWidget &page, const char *label) { return child<QLabel>(page, label)->text(); }
+void click(QWidget &page, const char *button) { child<QPushButton>(page, button)->click(); }
 void choose(QWidget &page, const char *box, const QString &text)
 {
-    auto *b = page.findChild<QComboBox *>(QLatin1String(box));
+    auto *b = child<QComboBox>(page, box);
     b->setCurrentIndex(b->findText(text));
 }
-void click(QWidget &page, const char *button)
-{
-    page.findChild<QPushButton *>(QLatin1String(button))->click();
-}
-QStringList fileLines(const QString &home)
-{
-    return readTextLines(home + "/CommPort.CFG").value_or(QStringList());
-}
+QStringList fileLines(const QString &home) { return readTextLines(home + "/CommPort.CFG").value_or(QStringList()); }
 } // namespace
 
 class SetPortTest : public QObject {
@@ -42,7 +34,6 @@ private slots:
         QVERIFY(holder.open(QIODevice::ReadWrite));
 
         ScreenBench b(home.path());
-        ConsoleState &s = b.state;
         frmQM730_Set_Port page(b.ctx);
         // The present port is tested at load; its device shows beside it.
         QCOMPARE(text(page, "lblMSG"), QStringLiteral("COM1 : 可使用的通訊端口"));
