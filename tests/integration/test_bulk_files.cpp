@@ -4,6 +4,7 @@
 // compared word for word with what it was; the stops end their chains.
 #include "CommonDialog.h"
 #include "ParameterSet.h"
+#include "Screens.h"
 #include "SimConsole.h"
 #include "Widgets.h"
 #include "frmQM730_P_Recv.h"
@@ -61,25 +62,11 @@ void compareMemories(const Memory &restored, const Memory &original)
     QCOMPARE(restored.segments, original.segments);
 }
 
-QPushButton *button(QWidget &w, const char *name)
-{
-    return child<QPushButton>(w, name);
-}
-
 QStringList cells(QWidget &w)
 {
     QStringList out;
     for (int i = 0; i < 4; ++i)
         out << indexed<QLabel>(w, "lblSTS", i)->text();
-    return out;
-}
-
-// The three-letter commands of the PC Link frames the simulator took.
-QStringList commands(const QList<QByteArray> &frames)
-{
-    QStringList out;
-    for (const QByteArray &f : frames)
-        out << QString::fromLatin1(f.mid(4, 3));
     return out;
 }
 
@@ -126,7 +113,7 @@ private slots:
     {
         QFETCH(QString, protocol);
         ConsoleState &s = bringUp(protocol);
-        QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(polling(s), 5000);
         // Words and names at their limits, and a pattern with segments of its own.
         QVERIFY(ok("set 1 td 12 高溫高濕試驗ABCDEFGH") && ok("set 1 td 1 門開關2") && ok("set 1 up 300 65535")
                 && ok("set 1 up 301 0") && ok("set 1 pd 100 1 2") && ok("set 1 sd 100 2 29 4660")
@@ -139,12 +126,12 @@ private slots:
         {
             frmQM730_P_Recv recv(m_line.core->context());
             recv.show();
-            button(recv, "btnRecvALL")->click();
+            child<QPushButton>(recv, "btnRecvALL")->click();
             QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, 120000);
             QCOMPARE(cells(recv), QStringList({"接收完了", "接收完了", "接收完了", "接收完了"}));
-            QVERIFY(button(recv, "btnRecvALL")->isEnabled());
+            QVERIFY(child<QPushButton>(recv, "btnRecvALL")->isEnabled());
             child<CommonDialog>(recv, "CommonDialog1")->answerNext(base);
-            button(recv, "btnFileSave")->click();
+            child<QPushButton>(recv, "btnFileSave")->click();
             recv.reject();
         }
         for (const char *ext : {".UUP", ".UTD", ".UPD", ".USD"})
@@ -160,50 +147,50 @@ private slots:
             frmQM730_P_Send send(m_line.core->context());
             send.show();
             child<CommonDialog>(send, "CommonDialog1")->answerNext(base + QStringLiteral(".UUP"));
-            button(send, "btnFileRead")->click();
+            child<QPushButton>(send, "btnFileRead")->click();
             QCOMPARE(child<QLabel>(send, "lblFName")->text(), base + QStringLiteral(".Uxx"));
-            button(send, "btnSendALL")->click();
+            child<QPushButton>(send, "btnSendALL")->click();
             QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 2, 180000);
             QCOMPARE(cells(send), QStringList({"傳送完了", "傳送完了", "傳送完了", "傳送完了"}));
             send.reject();
         }
         compareMemories(Memory::of(*m_line.sim), original);
-        QTRY_VERIFY(s.CmdState == 1 || s.CmdState == 2); // polling again
+        QTRY_VERIFY(polling(s)); // polling again
     }
 
     void stopEndsTheChain()
     {
         ConsoleState &s = bringUp(QStringLiteral("PC Link"));
-        QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(polling(s), 5000);
         const QString base = m_home.path() + QStringLiteral("/stopped");
-        auto noneOf = [&](const QStringList &forbidden) {
-            const QStringList seen = commands(m_line.sim->frames());
-            for (const QString &c : forbidden)
-                if (seen.contains(c))
-                    return false;
-            return seen.contains(QStringLiteral("RRP")); // and polling goes on
+        // None of the given commands among the PC Link frames the simulator took, and polling goes on.
+        auto noneOf = [&](const QList<QByteArray> &forbidden) {
+            QList<QByteArray> seen;
+            for (const QByteArray &f : m_line.sim->frames())
+                seen << f.mid(4, 3);
+            return seen.contains("RRP") && std::none_of(forbidden.begin(), forbidden.end(), [&](auto &c) { return seen.contains(c); });
         };
         {
             frmQM730_P_Recv recv(m_line.core->context());
             recv.show();
-            button(recv, "btnRecvALL")->click();
+            child<QPushButton>(recv, "btnRecvALL")->click();
             QTRY_VERIFY_WITH_TIMEOUT(indexed<QLabel>(recv, "lblSTS", 1)->text().startsWith(QLatin1String("5/")), 10000);
-            button(recv, "btnRecvStop")->click();
+            child<QPushButton>(recv, "btnRecvStop")->click();
             QTest::qWait(300);
             QVERIFY(ok("log clear"));
             QTest::qWait(1500);
             QVERIFY(noneOf({"RTD", "RPD", "RSD"}));
             // What arrived is kept and can be saved.
             child<CommonDialog>(recv, "CommonDialog1")->answerNext(base);
-            button(recv, "btnFileSave")->click();
+            child<QPushButton>(recv, "btnFileSave")->click();
         }
         QVERIFY(ok("set 1 pd 7 2 1234"));
         {
             frmQM730_P_Send send(m_line.core->context());
             send.show();
             child<CommonDialog>(send, "CommonDialog1")->answerNext(base + QStringLiteral(".UUP"));
-            button(send, "btnFileRead")->click();
-            button(send, "btnSendALL")->click();
+            child<QPushButton>(send, "btnFileRead")->click();
+            child<QPushButton>(send, "btnSendALL")->click();
             QTRY_VERIFY_WITH_TIMEOUT(indexed<QLabel>(send, "lblSTS", 1)->text().startsWith(QLatin1String("3/")), 10000);
             send.reject(); // closing stops it as the stop button does
             QTest::qWait(300);
@@ -275,12 +262,13 @@ private slots:
         // A set that cannot be written changes nothing.
         QCOMPARE(runConsole({"backup", "--machine", "1", "--to", base + QStringLiteral(".UUP/inside")}, &out), 7);
         QVERIFY2(out.contains(QLatin1String("cannot save")), qPrintable(out));
-        QVERIFY(readParameterSetStillWhole(base));
+        QCOMPARE(QDir(m_home.path()).entryList({QStringLiteral("cli.U*")}, QDir::Files),
+                 QStringList({"cli.UPD", "cli.USD", "cli.UTD", "cli.UUP"}));
 
         // Another console holds the port: nothing is done.
         {
             ConsoleState &s = m_line.startConsole();
-            QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 10000);
+            QTRY_VERIFY_WITH_TIMEOUT(polling(s), 10000);
             QCOMPARE(runConsole({"backup", "--machine", "1", "--to", base + QStringLiteral("-busy")}, &out), 3);
             QVERIFY2(out.contains(QLatin1String("cannot open COM1")), qPrintable(out));
             QVERIFY(!QFile::exists(base + QStringLiteral("-busy.UUP")));
@@ -314,15 +302,6 @@ private slots:
         QVERIFY(console.readAllStandardError().contains("machine 1 stopped answering"));
         // Not on the line at all.
         QCOMPARE(runConsole({"backup", "--machine", "1", "--to", base + QStringLiteral("-new")}), 4);
-    }
-
-private:
-    static bool readParameterSetStillWhole(const QString &base)
-    {
-        for (const char *ext : {".UUP", ".UTD", ".UPD", ".USD"})
-            if (!QFileInfo(base + QLatin1String(ext)).isFile())
-                return false;
-        return QDir(QFileInfo(base).absolutePath()).entryList({QStringLiteral("cli.U*")}, QDir::Files).size() == 4;
     }
 };
 

@@ -1,6 +1,7 @@
 // The console's core against the simulator over a pseudo-terminal, in each
-// of the three protocols: scan, poll, writes and the faults of a real line.
+// of the three protocols: scan, poll and the faults of a real line.
 #include "LiveStatus.h"
+#include "Screens.h"
 #include "SimConsole.h"
 #include <QtTest>
 #include <memory>
@@ -21,13 +22,7 @@ class LineTest : public QObject {
 
     SimConsole m_line;
 
-    void protocols()
-    {
-        QTest::addColumn<QString>("protocol");
-        QTest::newRow("pclink") << QStringLiteral("PC Link");
-        QTest::newRow("pclink-sum") << QStringLiteral("PC Link + crc");
-        QTest::newRow("modbus") << QStringLiteral("Modbus RTU");
-    }
+    static void protocols() { protocolRows({"PC Link", "PC Link + crc", "Modbus RTU"}); }
 
 private slots:
     void cleanup() { m_line.reset(); }
@@ -71,7 +66,7 @@ private slots:
         QFETCH(QString, protocol);
         QVERIFY(m_line.bringUp(protocol, QStringLiteral("1"), {true}));
         ConsoleState &s = m_line.core->state();
-        QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(polling(s), 5000);
         auto settle = [&](int polls) {
             const int start = counter(*m_line.core, 0, 1);
             QTRY_VERIFY_WITH_TIMEOUT(counter(*m_line.core, 0, 1) >= start + polls, 10000);
@@ -128,7 +123,7 @@ private slots:
         QFETCH(QString, protocol);
         QVERIFY(m_line.bringUp(protocol, QStringLiteral("1,2"), {true, true}));
         ConsoleState &s = m_line.core->state();
-        QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(polling(s), 5000);
         m_line.sim->command(QStringLiteral("fault 2 silent on"));
         const int polls1 = counter(*m_line.core, 0, 1);
         QTRY_VERIFY_WITH_TIMEOUT(!s.machines[1].MachineOnline, 5000);
@@ -138,22 +133,6 @@ private slots:
         QCOMPARE(s.sprdStatus.text(2, 2), QStringLiteral("良好"));
         m_line.sim->command(QStringLiteral("fault 2 silent off"));
         QTRY_VERIFY_WITH_TIMEOUT(s.machines[1].MachineOnline, 8000);
-    }
-
-    void writeReachesTheController_data() { protocols(); }
-    void writeReachesTheController()
-    {
-        QFETCH(QString, protocol);
-        QVERIFY(m_line.bringUp(protocol, QStringLiteral("4"), {false, false, false, true}));
-        ConsoleState &s = m_line.core->state();
-        QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
-        // Target temperature 25.5: (25.5 + 100) * 100 = 12550 into run parameter 12.
-        s.requests().writeRunWord(Rrp::TempTargetSV, 12550);
-        QTRY_COMPARE(m_line.sim->command(QStringLiteral("get 4 rrp 12")), QStringLiteral("12550"));
-        QTRY_COMPARE(s.image.sprdRRP.text(1, 12), QStringLiteral("12550"));
-        // A parameter row: the controller takes it, the image reads it back.
-        s.requests().writeParameter(Param::txtLPF1, 7);
-        QTRY_COMPARE_WITH_TIMEOUT(m_line.sim->command(QStringLiteral("get 4 up 25")), QStringLiteral("7"), 5000);
     }
 
     void answerWithoutQmIsNotAController()

@@ -2,15 +2,13 @@
 // and entered values command two of them, the third is left alone; a
 // chamber that falls silent turns its row red; a new machine list while the
 // link is up is scanned and polled.
-#include "ConsoleCore.h"
 #include "MachineListChange.h"
+#include "Screens.h"
 #include "SheetModel.h"
-#include "SimProcess.h"
-#include "TestHome.h"
+#include "SimConsole.h"
 #include "Widgets.h"
 #include "frmQM730_DataInput.h"
 #include "frmQM730_RunMulti.h"
-#include <QApplication>
 #include <QLineEdit>
 #include <QTableView>
 #include <QtTest>
@@ -48,27 +46,16 @@ bool enter(QWidget &screen, const QString &value)
 class MultiConsoleTest : public QObject {
     Q_OBJECT
 private slots:
-    void commandsTwoOfThree_data()
-    {
-        QTest::addColumn<QString>("protocol");
-        QTest::newRow("PC Link") << QStringLiteral("PC Link");
-        QTest::newRow("Modbus RTU") << QStringLiteral("Modbus RTU");
-    }
+    void commandsTwoOfThree_data() { protocolRows({"PC Link", "Modbus RTU"}); }
 
     void commandsTwoOfThree()
     {
         QFETCH(QString, protocol);
-        QTemporaryDir dir;
-        SimProcess sim(dir.path());
-        QVERIFY(sim.start({"--machines", "1,2,3", "--protocol", protocol, "--speed", "0"}));
-        TestHome home;
-        home.writePortCfg(protocol);
-        home.mapPorts({"COM1=" + sim.linkPath()});
-        home.machines({true, true, true});
-        ConsoleCore core(home.path());
-        QCOMPARE(core.start(), ConsoleCore::StartResult::Ok);
+        SimConsole line;
+        QVERIFY(line.bringUp(protocol, QStringLiteral("1,2,3"), {true, true, true}, {}, {QStringLiteral("--speed"), QStringLiteral("0")}));
+        SimProcess &sim = *line.sim;
+        ConsoleCore &core = *line.core;
         ConsoleState &s = core.state();
-        QCOMPARE(core.togglePort(), ConsoleCore::PortAction::Opened);
         QTRY_VERIFY_WITH_TIMEOUT(s.machines[0].MachineOnline && s.machines[1].MachineOnline
                                      && s.machines[2].MachineOnline && s.CmdState <= 3,
                                  10000);
@@ -118,16 +105,10 @@ private slots:
 
     void newListWhileTheLinkIsUp()
     {
-        QTemporaryDir dir;
-        SimProcess sim(dir.path());
-        QVERIFY(sim.start({"--machines", "2,5,9", "--speed", "0"}));
-        TestHome home;
-        home.mapPorts({"COM1=" + sim.linkPath()});
-        home.machines({false, true});
-        ConsoleCore core(home.path());
-        QCOMPARE(core.start(), ConsoleCore::StartResult::Ok);
+        SimConsole line;
+        QVERIFY(line.bringUp(QStringLiteral("PC Link"), QStringLiteral("2,5,9"), {false, true}, {}, {QStringLiteral("--speed"), QStringLiteral("0")}));
+        ConsoleCore &core = *line.core;
         ConsoleState &s = core.state();
-        QCOMPARE(core.togglePort(), ConsoleCore::PortAction::Opened);
         QTRY_VERIFY_WITH_TIMEOUT(s.machines[0].MachineOnline && s.CmdState <= 3, 10000);
         QCOMPARE(s.CurrentMachine, 2);
 

@@ -4,6 +4,7 @@
 // the simulator's own drawing pixel for pixel.
 #include "ButtonColour.h"
 #include "ModalDriver.h"
+#include "Screens.h"
 #include "SimConsole.h"
 #include "Widgets.h"
 #include "frmQM730Online_DateTime.h"
@@ -23,7 +24,7 @@ class OnlineTest : public QObject {
     {
         [&] { QVERIFY(m_line.bringUp(protocol, QStringLiteral("1"), {}, {}, {QStringLiteral("--speed"), QStringLiteral("0"), QStringLiteral("--no-pace")})); }();
         ConsoleState &s = m_line.core->state();
-        [&] { QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == Cmd::Poll || s.CmdState == Cmd::PollValues, 5000); }();
+        [&] { QTRY_VERIFY_WITH_TIMEOUT(polling(s), 5000); }();
         return s;
     }
 
@@ -38,13 +39,7 @@ class OnlineTest : public QObject {
 private slots:
     void cleanup() { m_line.reset(); }
 
-    void clockAndReservedStart_data()
-    {
-        QTest::addColumn<QString>("protocol");
-        QTest::newRow("pclink") << QStringLiteral("PC Link");
-        QTest::newRow("pclink+crc") << QStringLiteral("PC Link + crc");
-        QTest::newRow("modbus") << QStringLiteral("Modbus RTU");
-    }
+    void clockAndReservedStart_data() { protocolRows({"PC Link", "PC Link + crc", "Modbus RTU"}); }
     void clockAndReservedStart()
     {
         QFETCH(QString, protocol);
@@ -81,12 +76,7 @@ private slots:
         QCOMPARE(msg->text(), QStringLiteral("運轉中不可變更"));
     }
 
-    void captureSavedAsTheSimulatorDrawsIt_data()
-    {
-        QTest::addColumn<QString>("protocol");
-        QTest::newRow("pclink") << QStringLiteral("PC Link");
-        QTest::newRow("pclink+crc") << QStringLiteral("PC Link + crc");
-    }
+    void captureSavedAsTheSimulatorDrawsIt_data() { protocolRows({"PC Link", "PC Link + crc"}); }
     void captureSavedAsTheSimulatorDrawsIt()
     {
         QFETCH(QString, protocol);

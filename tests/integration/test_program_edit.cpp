@@ -5,12 +5,12 @@
 // simulated controller's memory and, read back, on the screen.
 #include "ModalDriver.h"
 #include "ProgramImage.h"
+#include "Screens.h"
 #include "SimConsole.h"
 #include "TableTyping.h"
 #include "Widgets.h"
 #include "frmQM730Prg_PTN.h"
 #include "frmQM730_PTN_Recv.h"
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QtTest>
 #include <algorithm>
@@ -23,11 +23,6 @@ int loadedPatterns(const ControllerImage &img)
     return int(std::count(img.PatternLoaded.begin(), img.PatternLoaded.end(), true));
 }
 
-bool idle(const ConsoleState &s)
-{
-    return s.CmdState == 1 || s.CmdState == 2;
-}
-
 } // namespace
 
 class ProgramEditTest : public QObject {
@@ -38,12 +33,7 @@ class ProgramEditTest : public QObject {
 private slots:
     void cleanup() { m_line.reset(); }
 
-    void stoppedFetchResumesAndEditsReachTheController_data()
-    {
-        QTest::addColumn<QString>("protocol");
-        QTest::newRow("pclink") << QStringLiteral("PC Link");
-        QTest::newRow("modbus") << QStringLiteral("Modbus RTU");
-    }
+    void stoppedFetchResumesAndEditsReachTheController_data() { protocolRows({"PC Link", "Modbus RTU"}); }
     void stoppedFetchResumesAndEditsReachTheController()
     {
         QFETCH(QString, protocol);
@@ -51,7 +41,7 @@ private slots:
         QVERIFY(m_line.bringUp(protocol, QStringLiteral("1"), {true}, {QStringLiteral("programs 1 8 2")}, {QStringLiteral("--no-pace")}));
         ConsoleState &s = m_line.core->state();
         ControllerImage &img = s.image;
-        QTRY_VERIFY_WITH_TIMEOUT(idle(s), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(polling(s), 5000);
         QCOMPARE(s.PatternCount(), 100);
         QCOMPARE(loadedPatterns(img), 0);
 
@@ -59,10 +49,7 @@ private slots:
         {
             ModalDriver d;
             d.then([&](QWidget *w) {
-                QElapsedTimer t;
-                t.start();
-                while (loadedPatterns(img) < 5 && t.elapsed() < 30000)
-                    QTest::qWait(5);
+                QTest::qWaitFor([&] { return loadedPatterns(img) >= 5; }, 30000);
                 w->findChild<QPushButton *>(QStringLiteral("btnStop"))->click();
             });
             frmQM730Prg_PTN editor(m_line.core->context());
@@ -72,7 +59,7 @@ private slots:
         }
         QVERIFY(!s.ReceptionStopped);
         QVERIFY(!QFile::exists(programCachePath(m_line.home->path(), 1, u"PD")));
-        QTRY_VERIFY_WITH_TIMEOUT(idle(s), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(polling(s), 5000);
         const int before = loadedPatterns(img);
         QVERIFY2(before >= 5 && before < 100, qPrintable(QString::number(before)));
         QVERIFY(std::all_of(img.PatternNameLoaded.begin(), img.PatternNameLoaded.begin() + 100, [](bool b) { return b; }));
@@ -81,15 +68,10 @@ private slots:
         // Marks in rows already read: the second opening must leave them.
         img.sprdTD.setText(1, patternNameRow(1), QStringLiteral("舊名"));
         img.sprdPD.setNumber(Pd::RepeatAll, 1, 777);
-        QCOMPARE(m_line.sim->command(QStringLiteral("log clear")), QStringLiteral("ok"));
+        QVERIFY(m_line.ok(QStringLiteral("log clear")));
 
         ModalDriver d;
-        d.then([](QWidget *w) { // the wait screen ends by itself
-            QElapsedTimer t;
-            t.start();
-            while (w->isVisible() && t.elapsed() < 30000)
-                QTest::qWait(5);
-        });
+        d.then([](QWidget *w) { QTest::qWaitFor([w] { return !w->isVisible(); }, 30000); }); // the wait screen ends by itself
         frmQM730Prg_PTN editor(m_line.core->context());
         editor.show();
         QCOMPARE(d.met, QStringList({"frmQM730_PTN_Recv"}));
@@ -108,17 +90,17 @@ private slots:
             QCOMPARE(patternReads, 100 - before);
             QCOMPARE(nameReads, 0);
         }
-        QTRY_VERIFY_WITH_TIMEOUT(idle(s), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(polling(s), 5000);
 
         // The repeat count of pattern 2, then the name of pattern 3.
         auto *list = child<QTableWidget>(editor, "sprdPattern");
         typeInto(list, 1, frmQM730Prg_PTN::ColRepeatAll, QStringLiteral("7"));
         QTRY_COMPARE_WITH_TIMEOUT(m_line.sim->command(QStringLiteral("get 1 pd 2 5")), QStringLiteral("7"), 5000);
-        QTRY_VERIFY_WITH_TIMEOUT(idle(s), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(polling(s), 5000);
         QCOMPARE(list->item(1, frmQM730Prg_PTN::ColRepeatAll)->text(), QStringLiteral("7"));
         typeInto(list, 2, frmQM730Prg_PTN::ColName, QStringLiteral("新程式名稱"));
         QTRY_COMPARE_WITH_TIMEOUT(m_line.sim->command(QStringLiteral("get 1 td 14")), QStringLiteral("新程式名稱"), 5000);
-        QTRY_VERIFY_WITH_TIMEOUT(idle(s), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(polling(s), 5000);
         QCOMPARE(list->item(2, frmQM730Prg_PTN::ColName)->text(), QStringLiteral("新程式名稱"));
         editor.close();
         QVERIFY(QFile::exists(programCachePath(m_line.home->path(), 1, u"PD")));
@@ -126,48 +108,33 @@ private slots:
     }
 
     // Firmware with 300 patterns on Modbus RTU: the name blocks go on to the
-    // last name.
-    void allThreeHundredNamesOnModbus()
-    {
-        QVERIFY(m_line.bringUp(QStringLiteral("Modbus RTU"), QStringLiteral("1:2.09"), {true}, {QStringLiteral("programs 1 300 0")},
-                               {QStringLiteral("--no-pace")}));
-        ConsoleState &s = m_line.core->state();
-        QTRY_VERIFY_WITH_TIMEOUT(idle(s), 5000);
-        QCOMPARE(s.PatternCount(), 300);
-        s.image.PatternLoaded.fill(true);
-        frmQM730_PTN_Recv fetch(m_line.core->context());
-        QTimer::singleShot(20000, &fetch, &QDialog::reject); // a hang fails below, not the run
-        QCOMPARE(fetch.exec(), int(QDialog::Accepted));
-        QVERIFY(std::all_of(s.image.PatternNameLoaded.begin(), s.image.PatternNameLoaded.end(), [](bool b) { return b; }));
-        QCOMPARE(s.image.sprdTD.text(1, patternNameRow(300)), QStringLiteral("程式300"));
-        QCOMPARE(s.image.sprdTD.text(1, patternNameRow(291)), QStringLiteral("程式291"));
-    }
-
-    // Register numbers are 16 bits: on Modbus RTU patterns past 191 have
-    // none. The fetch ends before them and a write to one is dropped; the
-    // line goes on polling.
-    void patternsWithoutRegistersOnModbus()
+    // last name. Register numbers are 16 bits, so patterns past 191 have none:
+    // the fetch ends before them and a write to one is dropped; polling goes on.
+    void threeHundredPatternsOnModbus()
     {
         QVERIFY(m_line.bringUp(QStringLiteral("Modbus RTU"), QStringLiteral("1:2.09"), {true}, {QStringLiteral("programs 1 300 1")},
                                {QStringLiteral("--no-pace")}));
         ConsoleState &s = m_line.core->state();
         ControllerImage &img = s.image;
-        QTRY_VERIFY_WITH_TIMEOUT(idle(s), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(polling(s), 5000);
+        QCOMPARE(s.PatternCount(), 300);
         img.PatternLoaded.fill(true);
-        img.PatternNameLoaded.fill(true);
         for (int p = 190; p <= 193; ++p)
             img.PatternLoaded[size_t(p - 1)] = false;
         const QString bad = s.sprdCommState.text(2, 1);
         {
             frmQM730_PTN_Recv fetch(m_line.core->context());
-            QTimer::singleShot(10000, &fetch, &QDialog::reject); // a hang fails below, not the run
+            QTimer::singleShot(20000, &fetch, &QDialog::reject); // a hang fails below, not the run
             QCOMPARE(fetch.exec(), int(QDialog::Accepted));
         }
+        QVERIFY(std::all_of(img.PatternNameLoaded.begin(), img.PatternNameLoaded.end(), [](bool b) { return b; }));
+        QCOMPARE(img.sprdTD.text(1, patternNameRow(300)), QStringLiteral("程式300"));
+        QCOMPARE(img.sprdTD.text(1, patternNameRow(291)), QStringLiteral("程式291"));
         QVERIFY(img.PatternLoaded[189] && img.PatternLoaded[190]);
         QVERIFY(!img.PatternLoaded[191] && !img.PatternLoaded[192]);
         QCOMPARE(img.sprdPD.text(Pd::SegmentCount, 191), QStringLiteral("1"));
 
-        QCOMPARE(m_line.sim->command(QStringLiteral("log clear")), QStringLiteral("ok"));
+        QVERIFY(m_line.ok(QStringLiteral("log clear")));
         s.requests().writePatternWord(250, Pd::RepeatAll, 9);
         const int polls = int(s.sprdCommState.number(1, 1));
         QTRY_VERIFY_WITH_TIMEOUT(s.sprdCommState.number(1, 1) > polls + 2, 5000);

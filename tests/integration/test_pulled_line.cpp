@@ -25,11 +25,10 @@ qint64 threadCpuUs()
     return qint64(t.tv_sec) * 1000000 + t.tv_nsec / 1000;
 }
 
-// The longest time the event loop stood still, from a pulse timer of 5 ms,
-// for each phase of the test; and, apart from it, the longest processor time
-// the loop spent between two pulses, which other programs on a shared
-// machine do not inflate. The test's own blocking calls (the simulator's
-// control socket) are left out with skip().
+// The longest stall of the event loop in each phase, from a 5 ms pulse, and
+// apart from it the longest processor time the loop spent between two pulses,
+// which other programs on a shared machine do not inflate. skip() leaves out
+// the test's own blocking calls (the simulator's control socket).
 class StallMeter : public QObject {
 public:
     StallMeter()
@@ -37,17 +36,15 @@ public:
         m_pulse.setInterval(5);
         m_pulse.setTimerType(Qt::PreciseTimer);
         connect(&m_pulse, &QTimer::timeout, this, [this] {
-            const qint64 now = m_clock.elapsed();
-            const qint64 cpu = threadCpuUs();
-            qint64 &phase = m_longest[m_phase];
-            phase = std::max(phase, now - m_last - m_pulse.interval());
-            qint64 &busy = m_busiestUs[m_phase];
+            const qint64 now = m_clock.elapsed(), cpu = threadCpuUs();
+            auto &[stall, busy] = m_phases[m_phase];
+            stall = std::max(stall, now - m_last - m_pulse.interval());
             busy = std::max(busy, cpu - m_lastCpu);
             m_last = now;
             m_lastCpu = cpu;
         });
         m_clock.start();
-        m_lastCpu = threadCpuUs();
+        skip();
         m_pulse.start();
     }
     void skip()
@@ -55,38 +52,28 @@ public:
         m_last = m_clock.elapsed();
         m_lastCpu = threadCpuUs();
     }
-    void phase(const QString &name)
-    {
-        m_phase = name;
-        m_longest[name] = 0;
-        m_busiestUs[name] = 0;
-    }
+    void phase(const QString &name) { m_phases[m_phase = name] = {}; }
     qint64 longest() const
     {
         qint64 most = 0;
-        for (qint64 v : m_longest)
-            most = std::max(most, v);
+        for (const auto &p : m_phases)
+            most = std::max(most, p.first);
         return most;
     }
     QString report() const
     {
         QStringList parts;
-        for (auto it = m_longest.begin(); it != m_longest.end(); ++it)
-            parts << QStringLiteral("%1 %2 ms (busy %3 ms)")
-                         .arg(it.key())
-                         .arg(it.value())
-                         .arg(m_busiestUs.value(it.key()) / 1000.0, 0, 'f', 1);
+        for (auto it = m_phases.begin(); it != m_phases.end(); ++it)
+            parts << QStringLiteral("%1 %2 ms (busy %3 ms)").arg(it.key()).arg(it->first).arg(it->second / 1000.0, 0, 'f', 1);
         return parts.join(QStringLiteral(", "));
     }
 
 private:
     QTimer m_pulse;
     QElapsedTimer m_clock;
-    qint64 m_last = 0;
-    qint64 m_lastCpu = 0;
+    qint64 m_last = 0, m_lastCpu = 0;
     QString m_phase;
-    QMap<QString, qint64> m_longest;
-    QMap<QString, qint64> m_busiestUs;
+    QMap<QString, std::pair<qint64, qint64>> m_phases; // longest stall in ms, busiest stretch in us
 };
 
 QByteArray fileBytes(const QString &path)
@@ -95,49 +82,44 @@ QByteArray fileBytes(const QString &path)
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
-// The run logs, event files and Err.LOG under home: whether each ends with a
-// whole line and every run-log row has its nine fields, and the times of the rows.
-struct FileCheck {
-    bool whole = true;
-    QList<QDateTime> rowTimes;
-};
-
-FileCheck checkFiles(const QString &home)
+// Whether the run logs, event files and Err.LOG under home all end with a
+// whole line and every run-log row has its nine fields; the times of the rows.
+bool filesWhole(const QString &home, QList<QDateTime> *rowTimes = nullptr)
 {
-    FileCheck check;
+    bool whole = true;
     QDirIterator it(home, {"*.QM7", "*.USE", "Err.LOG"}, QDir::Files, QDirIterator::Subdirectories);
     while (it.hasNext()) {
         const QString path = it.next();
         const QByteArray bytes = fileBytes(path);
         if (!bytes.isEmpty() && !bytes.endsWith("\r\n")) {
             qWarning("%s ends inside a line", qPrintable(path));
-            check.whole = false;
+            whole = false;
         }
         if (!path.endsWith(".QM7"))
             continue;
-        for (const QByteArray &line : bytes.split('\n')) {
-            if (line.isEmpty())
-                continue;
+        for (const QByteArray &line : bytes.trimmed().split('\n')) {
             const QList<QByteArray> f = line.trimmed().split('\t');
+            if (line.trimmed().isEmpty())
+                continue;
             if (f.size() != 9) {
                 qWarning("%s: a row of %d fields", qPrintable(path), int(f.size()));
-                check.whole = false;
-            } else {
-                check.rowTimes << QDateTime::fromString(QString::fromLatin1(f[1] + ' ' + f[2]),
-                                                        QStringLiteral("yyyy/MM/dd HH:mm:ss"));
+                whole = false;
+            } else if (rowTimes) {
+                *rowTimes << QDateTime::fromString(QString::fromLatin1(f[1] + ' ' + f[2]), "yyyy/MM/dd HH:mm:ss");
             }
         }
     }
-    return check;
+    return whole;
 }
 
-// A home on the simulator's line with two machines, logging every second.
-void prepareHome(const TestHome &home, const SimProcess &sim)
+// The simulator with machine 1 running, and a home on its line with two machines, logging every second.
+bool startLine(SimProcess &sim, const TestHome &home)
 {
+    if (!sim.start({"--machines", "1,2", "--speed", "0"}) || sim.command("set 1 rrp 1 1") != "ok")
+        return false;
     home.mapPorts({"COM1=" + sim.linkPath()});
     home.machines({true, true});
-    writeTextLinesAtomic(home.path() + "/CFG/SaveData.INI",
-                         {"Yes", "1", "sec", home.path() + "/logs", "QM730", "0", "0", "0"});
+    return writeTextLinesAtomic(home.path() + "/CFG/SaveData.INI", {"Yes", "1", "sec", home.path() + "/logs", "QM730", "0", "0", "0"});
 }
 
 } // namespace
@@ -149,10 +131,8 @@ private slots:
     {
         QTemporaryDir dir;
         SimProcess sim(dir.path());
-        QVERIFY(sim.start({"--machines", "1,2", "--speed", "0"}));
-        QCOMPARE(sim.command("set 1 rrp 1 1"), QString("ok")); // machine 1 runs
         TestHome home;
-        prepareHome(home, sim);
+        QVERIFY(startLine(sim, home));
         ConsoleCore core(home.path());
         QCOMPARE(core.start(), ConsoleCore::StartResult::Ok);
         frmQM730_Main window(core);
@@ -208,10 +188,10 @@ private slots:
 
         // No row for the time the line was away, and no file cut inside a line.
         core.shutdown();
-        const FileCheck files = checkFiles(home.path());
-        QVERIFY(files.whole);
+        QList<QDateTime> rowTimes;
+        QVERIFY(filesWhole(home.path(), &rowTimes));
         // Rows carry whole seconds: one in the second the line went is fine.
-        for (const QDateTime &t : files.rowTimes)
+        for (const QDateTime &t : rowTimes)
             QVERIFY2(t <= lostAt || t >= backAt.addSecs(-1), qPrintable(t.toString(Qt::ISODate)));
     }
 
@@ -219,10 +199,8 @@ private slots:
     {
         QTemporaryDir dir;
         SimProcess sim(dir.path());
-        QVERIFY(sim.start({"--machines", "1,2", "--speed", "0"}));
-        QCOMPARE(sim.command("set 1 rrp 1 1"), QString("ok"));
         TestHome home;
-        prepareHome(home, sim);
+        QVERIFY(startLine(sim, home));
 
         QProcess console;
         console.setProcessChannelMode(QProcess::ForwardedErrorChannel);
@@ -231,8 +209,7 @@ private slots:
             while (console.canReadLine())
                 out << QString::fromUtf8(console.readLine()).trimmed();
         });
-        console.start(qEnvironmentVariable("QM730_BIN") + "/qm730",
-                      {"--headless", "--home", home.path(), "--seconds", "90"});
+        console.start(qEnvironmentVariable("QM730_BIN") + "/qm730", {"--headless", "--home", home.path(), "--seconds", "90"});
         QVERIFY(console.waitForStarted());
         // The lines printed after the first that contains `text`.
         auto after = [&out](const QString &text) {
@@ -242,8 +219,7 @@ private slots:
             return QStringList{QStringLiteral("(no line with %1)").arg(text)};
         };
         auto polled = [](const QStringList &lines) {
-            return std::any_of(lines.begin(), lines.end(),
-                               [](const QString &l) { return l.contains("machine 001: T SV"); });
+            return std::any_of(lines.begin(), lines.end(), [](const QString &l) { return l.contains("machine 001: T SV"); });
         };
         QTRY_VERIFY_WITH_TIMEOUT(polled(out), 15000);
 
@@ -262,7 +238,7 @@ private slots:
         QCOMPARE(console.exitStatus(), QProcess::NormalExit);
         QCOMPARE(console.exitCode(), 0);
         QVERIFY(fileBytes(home.path() + "/Err.LOG").contains(",MSComm1_OnComm\r\n"));
-        QVERIFY(checkFiles(home.path()).whole);
+        QVERIFY(filesWhole(home.path()));
     }
 };
 

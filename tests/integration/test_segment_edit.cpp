@@ -3,88 +3,42 @@
 // (with a time signal), then copied onto another pattern and the first
 // cleared on the management screen. The simulator's program memory must hold
 // exactly the words the screens meant, in PC Link and in Modbus RTU.
-#include "ConsoleCore.h"
 #include "ModalDriver.h"
 #include "ProgramImage.h"
-#include "SimProcess.h"
-#include "TestHome.h"
+#include "Screens.h"
+#include "SimConsole.h"
+#include "TableTyping.h"
 #include "Widgets.h"
 #include "frmQM730Prg_Managemen.h"
 #include "frmQM730Prg_SEG.h"
-#include <QApplication>
 #include <QHeaderView>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
-#include <QTableWidget>
 #include <QtTest>
 
-namespace {
-
 constexpr int Wait = 10000;
-
-void typeCell(QTableWidget *table, int row, int col, const QString &text)
-{
-    table->setCurrentCell(row, col);
-    table->editItem(table->item(row, col));
-    auto *editor = table->findChild<QLineEdit *>(QStringLiteral("CellEditor"));
-    QVERIFY(editor);
-    editor->selectAll();
-    QTest::keyClicks(editor, text);
-    QTest::keyClick(editor, Qt::Key_Return);
-    QCoreApplication::sendPostedEvents();
-}
-
-void clickCell(QTableWidget *table, int row, int col)
-{
-    table->scrollToItem(table->item(row, col));
-    QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualItemRect(table->item(row, col)).center());
-}
-
-void enter(QWidget &form, const char *name, const QString &text)
-{
-    auto *box = child<QLineEdit>(form, name);
-    box->setFocus();
-    box->selectAll();
-    QTest::keyClicks(box, text);
-    QTest::keyClick(box, Qt::Key_Return);
-}
-
-} // namespace
 
 class SegmentEditTest : public QObject {
     Q_OBJECT
 private slots:
-    void buildCopyAndClear_data()
-    {
-        QTest::addColumn<QString>("protocol");
-        QTest::newRow("PC Link") << QStringLiteral("PC Link");
-        QTest::newRow("Modbus RTU") << QStringLiteral("Modbus RTU");
-    }
+    void buildCopyAndClear_data() { protocolRows({"PC Link", "Modbus RTU"}); }
 
     void buildCopyAndClear()
     {
         QFETCH(QString, protocol);
-        QTemporaryDir dir;
-        SimProcess sim(dir.path());
-        QVERIFY(sim.start({"--machines", "1", "--protocol", protocol, "--no-pace"}));
-        TestHome home;
-        home.writePortCfg(protocol);
-        home.mapPorts({"COM1=" + sim.linkPath()});
-        home.machines({true});
-        ConsoleCore core(home.path());
-        QCOMPARE(core.start(), ConsoleCore::StartResult::Ok);
+        SimConsole line;
+        QVERIFY(line.bringUp(protocol, QStringLiteral("1"), {true}, {}, {QStringLiteral("--no-pace")}));
+        SimProcess &sim = *line.sim;
+        ConsoleCore &core = *line.core;
         ConsoleState &s = core.state();
-        QCOMPARE(core.togglePort(), ConsoleCore::PortAction::Opened);
-        QTRY_VERIFY_WITH_TIMEOUT(s.CurrentMachine == 1 && (s.CmdState == 1 || s.CmdState == 2), Wait);
+        QTRY_VERIFY_WITH_TIMEOUT(s.CurrentMachine == 1 && polling(s), Wait);
         auto sd = [&](int p, int seg, int w) { return sim.command(QStringLiteral("get 1 sd %1 %2 %3").arg(p).arg(seg).arg(w)); };
         auto pd = [&](int p, int w) { return sim.command(QStringLiteral("get 1 pd %1 %2").arg(p).arg(w)); };
         // Patterns 10 and 11 are empty in the controller; the image knows them.
         QCOMPARE(pd(10, 1), QStringLiteral("0"));
-        for (int p : {10, 11}) {
+        for (int p : {10, 11})
             for (int w = 1; w <= Pd::Words; ++w)
                 setPatternWord(s.image, p, w, pd(p, w).toInt());
-        }
         s.image.PatternLoaded.fill(true);
         s.image.PatternNameLoaded.fill(true);
 
@@ -94,18 +48,18 @@ private slots:
             auto *rows = child<QTableWidget>(seg, "sprdSegment");
             QTRY_VERIFY(rows->isEnabled());
             // Row 3 of the empty pattern: three segments at 50 degrees.
-            typeCell(rows, 2, frmQM730Prg_SEG::ColTemp, "50");
+            QVERIFY(typeInto(rows, 2, frmQM730Prg_SEG::ColTemp, QStringLiteral("50")));
             QTRY_COMPARE_WITH_TIMEOUT(pd(10, 1), QStringLiteral("3"), Wait);
             QTRY_VERIFY_WITH_TIMEOUT(!child<QLabel>(seg, "lblMSG")->isVisible(), Wait);
             QTRY_COMPARE_WITH_TIMEOUT(sd(10, 3, 1), QStringLiteral("15000"), Wait);
             // Then each cell: segment 2 at 80 degrees, segment 1 at 60 %RH, segment 3 for 1 h 30.
-            typeCell(rows, 1, frmQM730Prg_SEG::ColTemp, "80");
+            QVERIFY(typeInto(rows, 1, frmQM730Prg_SEG::ColTemp, QStringLiteral("80")));
             QTRY_COMPARE_WITH_TIMEOUT(sd(10, 2, 1), QStringLiteral("18000"), Wait);
-            typeCell(rows, 0, frmQM730Prg_SEG::ColHumi, "60");
+            QVERIFY(typeInto(rows, 0, frmQM730Prg_SEG::ColHumi, QStringLiteral("60")));
             QTRY_COMPARE_WITH_TIMEOUT(sd(10, 1, 2), QStringLiteral("600"), Wait);
-            typeCell(rows, 2, frmQM730Prg_SEG::ColHours, "1");
+            QVERIFY(typeInto(rows, 2, frmQM730Prg_SEG::ColHours, QStringLiteral("1")));
             QTRY_COMPARE_WITH_TIMEOUT(sd(10, 3, 4), QString::number(256), Wait);
-            typeCell(rows, 2, frmQM730Prg_SEG::ColMinutes, "30");
+            QVERIFY(typeInto(rows, 2, frmQM730Prg_SEG::ColMinutes, QStringLiteral("30")));
             QTRY_COMPARE_WITH_TIMEOUT(sd(10, 3, 4), QString::number(256 + 30), Wait);
             // Time signal 2 of segment 2 on.
             clickCell(rows, 1, frmQM730Prg_SEG::ColTemp);
@@ -132,8 +86,8 @@ private slots:
         mgmt.show();
         ModalDriver d;
         QTRY_COMPARE(child<QLineEdit>(mgmt, "txtSource_Pattern")->text(), QStringLiteral("1"));
-        enter(mgmt, "txtSource_Pattern", "10");
-        enter(mgmt, "txtTarget_Pattern", "11");
+        enter(child<QLineEdit>(mgmt, "txtSource_Pattern"), QStringLiteral("10"));
+        enter(child<QLineEdit>(mgmt, "txtTarget_Pattern"), QStringLiteral("11"));
         d.box(QMessageBox::Yes);
         indexed<QPushButton>(mgmt, "btnCopy", 0)->click();
         QTRY_VERIFY(d.done());
@@ -164,7 +118,7 @@ private slots:
             emit rows->verticalHeader()->sectionClicked(heading);
             QTRY_VERIFY(d.done());
             QTRY_COMPARE_WITH_TIMEOUT(pd(11, 1), QString::number(count), Wait);
-            QTRY_VERIFY2_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, qPrintable(QStringLiteral("count %1 state %2 segment %3").arg(count).arg(s.CmdState).arg(s.SegmentNo)), Wait);
+            QTRY_VERIFY_WITH_TIMEOUT(polling(s), Wait);
             if (count == 2)
                 QCOMPARE(sd(11, 2, 4), QString::number(256 + 30)); // segment 3 moved up
         }

@@ -3,10 +3,9 @@
 // run settings and their lock behind the block; and, in PC Link as well, the
 // password written as one range of four rows and a maker's line.
 #include "CellEdit.h"
-#include "ConsoleCore.h"
 #include "EntryField.h"
-#include "SimProcess.h"
-#include "TestHome.h"
+#include "Screens.h"
+#include "SimConsole.h"
 #include "Widgets.h"
 #include "frmQM730Func_Run.h"
 #include "frmQM730SYS_DO.h"
@@ -17,43 +16,29 @@
 class SettingsPagesTest : public QObject {
     Q_OBJECT
 
-    TestHome m_home;
-    std::unique_ptr<SimProcess> m_sim;
-    std::unique_ptr<ConsoleCore> m_core;
+    SimConsole m_line;
 
-    QString sim(const QString &query) { return m_sim->command(QStringLiteral("get 1 ") + query); }
+    QString sim(const QString &query) { return m_line.sim->command(QStringLiteral("get 1 ") + query); }
 
+    // Machine 1 of the current layout polled; the next poll reads the block as the menu's opening does.
     void startLine(const QString &protocol)
     {
-        m_sim = std::make_unique<SimProcess>(m_home.path() + QStringLiteral("/sim"));
-        QDir().mkpath(m_home.path() + QStringLiteral("/sim"));
-        QVERIFY(m_sim->start({QStringLiteral("--machines"), QStringLiteral("1"), QStringLiteral("--protocol"), protocol,
-                              QStringLiteral("--no-pace")}));
-        m_home.writePortCfg(protocol);
-        m_home.mapPorts({QStringLiteral("COM1=") + m_sim->linkPath()});
-        m_home.machines({true});
-        m_core = std::make_unique<ConsoleCore>(m_home.path());
-        QCOMPARE(m_core->start(), ConsoleCore::StartResult::Ok);
-        m_core->togglePort();
-        ConsoleState &s = m_core->state();
-        QTRY_VERIFY_WITH_TIMEOUT(s.CmdState == 1 || s.CmdState == 2, 5000);
+        QVERIFY(m_line.bringUp(protocol, QStringLiteral("1"), {true}, {}, {QStringLiteral("--no-pace")}));
+        ConsoleState &s = m_line.core->state();
+        QTRY_VERIFY_WITH_TIMEOUT(polling(s), 5000);
         QVERIFY(s.image.isCurrentLayout());
+        s.RefreshOnOpen = true;
     }
 
 private slots:
-    void cleanup()
-    {
-        m_core.reset();
-        m_sim.reset();
-    }
+    void cleanup() { m_line.reset(); }
 
     void aTableCellReachesTheController()
     {
         startLine(QStringLiteral("Modbus RTU"));
         if (QTest::currentTestFailed())
             return;
-        m_core->state().RefreshOnOpen = true; // as the menu opens a page
-        frmQM730SYS_DO page(m_core->context());
+        frmQM730SYS_DO page(m_line.core->context());
         page.show();
         auto *table = child<QTableWidget>(page, "sprdDO2");
         // I/S 1 drives relay 9 and O/C 1 from the factory.
@@ -64,7 +49,7 @@ private slots:
 
         // A soak value goes out with the opposite sign and reads back as typed;
         // the reload after the write shows the block as the controller has it.
-        QCOMPARE(m_sim->command(QStringLiteral("set 1 up 156 3300")), QStringLiteral("ok")); // Temp.UP: 30.0
+        QVERIFY(m_line.ok(QStringLiteral("set 1 up 156 3300"))); // Temp.UP: 30.0
         QVERIFY(editCell(table, 42, 3, QStringLiteral("10")));
         QTRY_COMPARE_WITH_TIMEOUT(sim(QStringLiteral("up 158")), QStringLiteral("65436"), 5000);
         QTRY_COMPARE_WITH_TIMEOUT(cellText(table, 41, 3), QStringLiteral("30.0"), 5000);
@@ -76,56 +61,37 @@ private slots:
         startLine(QStringLiteral("Modbus RTU"));
         if (QTest::currentTestFailed())
             return;
-        m_core->state().RefreshOnOpen = true; // as the menu opens a page
-        frmQM730Func_Run page(m_core->context());
+        frmQM730Func_Run page(m_line.core->context());
         page.show();
         QTest::mouseClick(indexed<QPushButton>(page, "btnRun_Method", 1), Qt::LeftButton);
         QTRY_COMPARE_WITH_TIMEOUT(sim(QStringLiteral("up 1")), QStringLiteral("1"), 5000);
         auto *ramp = child<EntryField>(page, "txtT_SV");
         QTRY_VERIFY_WITH_TIMEOUT(ramp->isEnabled(), 5000);
-        ramp->setFocus();
-        ramp->selectAll();
-        QTest::keyClicks(ramp, QStringLiteral("2.5"));
-        QTest::keyClick(ramp, Qt::Key_Return);
+        enter(ramp, QStringLiteral("2.5"));
         QTRY_COMPARE_WITH_TIMEOUT(sim(QStringLiteral("up 4")), QStringLiteral("25"), 5000);
         // The reload after the next write shows the block as the controller has it.
-        QCOMPARE(m_sim->command(QStringLiteral("set 1 up 2 48")), QStringLiteral("ok"));
+        QVERIFY(m_line.ok(QStringLiteral("set 1 up 2 48")));
         QTest::mouseClick(indexed<QPushButton>(page, "btnPatt_Lock", 1), Qt::LeftButton);
         QTRY_COMPARE_WITH_TIMEOUT(sim(QStringLiteral("upplus 89")), QStringLiteral("1"), 5000);
         QTRY_COMPARE_WITH_TIMEOUT(child<EntryField>(page, "txtRun_Hour")->text(), QStringLiteral("48"), 5000);
     }
 
-    void passwordAndMakersLines_data()
-    {
-        QTest::addColumn<QString>("protocol");
-        QTest::newRow("PC Link") << QStringLiteral("PC Link");
-        QTest::newRow("Modbus RTU") << QStringLiteral("Modbus RTU");
-    }
+    void passwordAndMakersLines_data() { protocolRows({"PC Link", "Modbus RTU"}); }
     void passwordAndMakersLines()
     {
         QFETCH(QString, protocol);
         startLine(protocol);
         if (QTest::currentTestFailed())
             return;
-        m_core->state().RefreshOnOpen = true; // as the menu opens a page
-        frmQM730SYS_ETC page(m_core->context());
+        frmQM730SYS_ETC page(m_line.core->context());
         page.show();
-        auto *line = indexed<EntryField>(page, "txtUserInfo", 0);
-        QTRY_COMPARE_WITH_TIMEOUT(line->text(), sim(QStringLiteral("td 9")), 8000);
+        QTRY_COMPARE_WITH_TIMEOUT(indexed<EntryField>(page, "txtUserInfo", 0)->text(), sim(QStringLiteral("td 9")), 8000);
         auto *password = child<EntryField>(page, "txtUserPass");
         QTRY_COMPARE_WITH_TIMEOUT(password->text(), QStringLiteral("0000"), 5000);
-        password->setFocus();
-        password->selectAll();
-        QTest::keyClicks(password, QStringLiteral("4321"));
-        QTest::keyClick(password, Qt::Key_Return);
+        enter(password, QStringLiteral("4321"));
         QTRY_COMPARE_WITH_TIMEOUT(sim(QStringLiteral("up 293")), QStringLiteral("49"), 5000);
         QCOMPARE(sim(QStringLiteral("up 290")), QStringLiteral("52"));
-
-        auto *third = indexed<EntryField>(page, "txtUserInfo", 2);
-        third->setFocus();
-        third->selectAll();
-        typeText(third, QStringLiteral("恆溫槽 B"));
-        QTest::keyClick(third, Qt::Key_Return);
+        enter(indexed<EntryField>(page, "txtUserInfo", 2), QStringLiteral("恆溫槽 B"));
         QTRY_COMPARE_WITH_TIMEOUT(sim(QStringLiteral("td 11")), QStringLiteral("恆溫槽 B"), 5000);
     }
 };

@@ -1,94 +1,51 @@
 // The scan over a real pseudo-terminal whose far end never answers: WHO goes
 // out three times per slot, spaced by the reply time-out, the slot turns
-// "不良" and the scan starts over. The port can be closed at any moment.
+// "不良" and the next slot is asked; after the last the scan starts over.
+// The port can be closed at any moment.
 #include "ConsoleCore.h"
-#include "Files.h"
-#include "mdlADO.h"
+#include "Pty.h"
+#include "TestHome.h"
 #include <QElapsedTimer>
 #include <QSocketNotifier>
 #include <QtTest>
-#include <fcntl.h>
-#include <pty.h>
-#include <termios.h>
-#include <unistd.h>
 
 namespace {
 
-// The far end of the line: records every frame with the time it came.
-class SilentPeer : public QObject {
-public:
-    SilentPeer()
-    {
-        char name[256] = {};
-        struct termios tio {};
-        cfmakeraw(&tio);
-        if (::openpty(&m_master, &m_slave, name, &tio, nullptr) == 0) {
-            slavePath = QString::fromLocal8Bit(name);
-            ::fcntl(m_master, F_SETFL, ::fcntl(m_master, F_GETFL) | O_NONBLOCK);
-            m_notifier = new QSocketNotifier(m_master, QSocketNotifier::Read, this);
-            connect(m_notifier, &QSocketNotifier::activated, this, [this] { readMaster(); });
-            m_clock.start();
-        }
-    }
-    ~SilentPeer() override
-    {
-        delete m_notifier;
-        if (m_master >= 0)
-            ::close(m_master);
-        if (m_slave >= 0)
-            ::close(m_slave);
-    }
-
-    QString slavePath;
+// The far end of the line: records every frame (up to ETX CR LF) with the time it came.
+struct SilentPeer : Pty {
     struct Frame {
         QByteArray bytes;
         qint64 at;
     };
     QList<Frame> frames;
+    QSocketNotifier notifier{master, QSocketNotifier::Read};
+    QByteArray pending;
+    QElapsedTimer clock;
 
-    int machineOf(int i) const { return frames[i].bytes.mid(1, 3).toInt(); }
-
-private:
-    void readMaster()
+    SilentPeer()
     {
-        char buf[512];
-        for (;;) {
-            const ssize_t n = ::read(m_master, buf, sizeof buf);
-            if (n <= 0)
-                break;
-            m_pending.append(buf, n);
-        }
-        // Frames end in ETX CR LF.
-        for (qsizetype end = m_pending.indexOf("\x03\r\n"); end >= 0; end = m_pending.indexOf("\x03\r\n")) {
-            frames << Frame{m_pending.left(end + 3), m_clock.elapsed()};
-            m_pending.remove(0, end + 3);
-        }
+        clock.start();
+        QObject::connect(&notifier, &QSocketNotifier::activated, [this] {
+            for (QByteArray b = readMaster(); !b.isEmpty(); b = readMaster())
+                pending += b;
+            for (qsizetype end = pending.indexOf("\x03\r\n"); end >= 0; end = pending.indexOf("\x03\r\n")) {
+                frames << Frame{pending.left(end + 3), clock.elapsed()};
+                pending.remove(0, end + 3);
+            }
+        });
     }
-
-    int m_master = -1;
-    int m_slave = -1;
-    QSocketNotifier *m_notifier = nullptr;
-    QByteArray m_pending;
-    QElapsedTimer m_clock;
+    int machineOf(int i) const { return frames[i].bytes.mid(1, 3).toInt(); }
 };
 
-std::unique_ptr<ConsoleCore> console(const QString &home, const QString &device, int machines, int commWait)
+// A console on COM2 = device at 9600 baud with the given machines in its list.
+std::unique_ptr<ConsoleCore> console(const TestHome &home, const QString &device, int machines, int commWait)
 {
-    QDir().mkpath(home + QStringLiteral("/CFG"));
-    provisionMailDatabase(home + QStringLiteral("/EMail.mdb"));
-    writeTextLinesAtomic(home + QStringLiteral("/PortMap.CFG"), {QStringLiteral("COM2=") + device});
-    writeTextLinesAtomic(home + QStringLiteral("/CommPort.CFG"),
-                         {QStringLiteral("COM2"), QStringLiteral("9600"), QStringLiteral("N"), QStringLiteral("8"),
-                          QStringLiteral("1"), QStringLiteral("PC Link"), QStringLiteral("OFF")});
-    writeTextLinesAtomic(home + QStringLiteral("/CommWait.TM"), {QString::number(commWait)});
-    QStringList run{QStringLiteral("多機"), QString()};
-    for (int i = 0; i < machines; ++i)
-        run << QStringLiteral("O\t");
-    writeTextLinesAtomic(home + QStringLiteral("/CFG/Run.INI"), run);
-    auto core = std::make_unique<ConsoleCore>(home);
-    if (core->start() != ConsoleCore::StartResult::Ok)
-        return nullptr;
-    return core;
+    writeCommPortCfg(home.path(), {"COM2", "9600", "N", "8", "1", "PC Link", "OFF"});
+    home.mapPorts({"COM2=" + device});
+    writeTextLinesAtomic(home.path() + "/CommWait.TM", {QString::number(commWait)});
+    home.machines(QList<bool>(machines, true));
+    auto core = std::make_unique<ConsoleCore>(home.path());
+    return core->start() == ConsoleCore::StartResult::Ok ? std::move(core) : nullptr;
 }
 
 } // namespace
@@ -98,11 +55,11 @@ class SilentPtyTest : public QObject {
 private slots:
     void oneSlotIsAskedThreeTimesThenBad()
     {
-        QTemporaryDir dir;
+        TestHome home;
         SilentPeer peer;
-        QVERIFY(!peer.slavePath.isEmpty());
+        QVERIFY(!peer.path.isEmpty());
         // 9600 baud: 1200 ms plus the 100 ms of CommWait.TM.
-        auto core = console(dir.path(), peer.slavePath, 1, 100);
+        auto core = console(home, peer.path, 1, 100);
         QVERIFY(core);
         QCOMPARE(core->link().replyTimeoutMs(), 1300);
         QCOMPARE(core->togglePort(), ConsoleCore::PortAction::Opened);
@@ -123,30 +80,13 @@ private slots:
         QCOMPARE(core->state().statusPanel(3), QStringLiteral("CLOSE"));
     }
 
-    void otherSlotsAreScannedInBetween()
-    {
-        QTemporaryDir dir;
-        SilentPeer peer;
-        auto core = console(dir.path(), peer.slavePath, 3, 0);
-        QVERIFY(core);
-        core->link().tmrRecvErr.setInterval(150); // the order, not the time, is the point here
-        QCOMPARE(core->togglePort(), ConsoleCore::PortAction::Opened);
-        QTRY_VERIFY_WITH_TIMEOUT(peer.frames.size() >= 10, 8000);
-        QList<int> order;
-        for (int i = 0; i < 10; ++i)
-            order << peer.machineOf(i);
-        QCOMPARE(order, (QList<int>{1, 1, 1, 2, 2, 2, 3, 3, 3, 1}));
-        for (int row = 1; row <= 3; ++row)
-            QCOMPARE(core->state().sprdStatus.text(2, row), QStringLiteral("不良"));
-    }
-
     void closingWorksAtAnyMoment()
     {
-        QTemporaryDir dir;
+        TestHome home;
         SilentPeer peer;
-        auto core = console(dir.path(), peer.slavePath, 2, 0);
+        auto core = console(home, peer.path, 3, 0);
         QVERIFY(core);
-        core->link().tmrRecvErr.setInterval(120);
+        core->link().tmrRecvErr.setInterval(120); // the order, not the time, is the point here
         // Close and reopen at moments spread over send ticks, waits and time-outs.
         for (int delay : {0, 10, 55, 90, 130, 175, 260, 400}) {
             QCOMPARE(core->togglePort(), ConsoleCore::PortAction::Opened);
@@ -158,8 +98,15 @@ private slots:
         const qsizetype sent = peer.frames.size();
         QTest::qWait(400);
         QCOMPARE(peer.frames.size(), sent); // nothing goes out while closed
+        // Opened again, the scan asks each slot three times in turn and starts over.
         QCOMPARE(core->togglePort(), ConsoleCore::PortAction::Opened);
-        QTRY_VERIFY(peer.frames.size() > sent);
+        QTRY_VERIFY_WITH_TIMEOUT(peer.frames.size() >= sent + 10, 8000);
+        QList<int> order;
+        for (qsizetype i = sent; i < sent + 10; ++i)
+            order << peer.machineOf(int(i));
+        QCOMPARE(order, (QList<int>{1, 1, 1, 2, 2, 2, 3, 3, 3, 1}));
+        for (int row = 1; row <= 3; ++row)
+            QCOMPARE(core->state().sprdStatus.text(2, row), QStringLiteral("不良"));
     }
 };
 

@@ -101,6 +101,19 @@ class SimCase(unittest.TestCase):
             cls.port.close()
         cls.sim.close()
 
+    def dump(self, what, machine=1):
+        """A memory of the simulator as its `dump` command gives it, as bytes."""
+        answer = self.sim.command(f"dump {machine} {what}")
+        self.assertFalse(answer.startswith("error"), answer)
+        return bytes.fromhex(answer)
+
+    def random_block(self, rng, machine, rows):
+        """Random words for a whole parameter block, the running clock (rows 12 to 17) as the machine has it."""
+        block = [rng.randrange(65536) for _ in range(rows)]
+        for row in range(12, 18):
+            block[row - 1] = self.sim.word(f"{machine} up {row}")
+        return block
+
     def ask(self, frame, length=None, crc=False, timeout=3.0):
         """Sends a frame on a clean line; the reply, `length` bytes or up to its ETX CR LF."""
         self.port.reset_input_buffer()
@@ -204,6 +217,10 @@ def silent_for(port, seconds):
 
 def words(data):
     return [int.from_bytes(data[i : i + 2], "big") for i in range(0, len(data), 2)]
+
+
+def to_bytes(values):
+    return b"".join(v.to_bytes(2, "big") for v in values)
 
 
 def temp_word(degrees):

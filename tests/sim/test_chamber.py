@@ -116,11 +116,15 @@ class Chamber(unittest.TestCase):
         self.sim.ok("tick 30")
         self.assertEqual(self.rrp(4), 0)
 
-    def test_clock_and_reserved_start(self):
+    def reserve_in_two_minutes(self):
+        """Sets a reserved start two minutes ahead of the controller's clock; the clock."""
         clock = datetime.datetime(*[self.sim.word(f"1 up {r}") for r in range(12, 18)])
         at = (clock + datetime.timedelta(minutes=2)).replace(second=0)
-        self.sim.ok(*[f"set 1 up {r} {v}" for r, v in zip(range(18, 23), (at.year, at.month, at.day, at.hour, at.minute))])
-        self.sim.ok("set 1 up 23 1")
+        self.sim.ok(*[f"set 1 up {r} {v}" for r, v in zip(range(18, 24), (at.year, at.month, at.day, at.hour, at.minute, 1))])
+        return clock, at
+
+    def test_clock_and_reserved_start(self):
+        self.reserve_in_two_minutes()
         self.assertEqual([self.rrp(14), self.rrp(1)], [1, 0])
         self.sim.ok("tick 200")
         self.assertEqual([self.rrp(1), self.rrp(14), self.sim.word("1 up 23")], [1, 0, 0])
@@ -129,10 +133,7 @@ class Chamber(unittest.TestCase):
         self.assertEqual([self.sim.word(f"1 up {r}") for r in range(12, 18)], [2031, 2, 3, 4, 5, 16])
 
     def test_a_reserved_start_waits_for_its_enable_row_and_lapses_while_running(self):
-        clock = datetime.datetime(*[self.sim.word(f"1 up {r}") for r in range(12, 18)])
-        soon = (clock + datetime.timedelta(minutes=2)).replace(second=0)
-        self.sim.ok(*[f"set 1 up {r} {v}" for r, v in zip(range(18, 23), (soon.year, soon.month, soon.day, soon.hour, soon.minute))])
-        self.sim.ok("set 1 up 23 1")
+        clock, soon = self.reserve_in_two_minutes()
         # Rows being rewritten one by one: a past time half written starts nothing.
         self.sim.ok(f"set 1 up 18 {clock.year - 1}", "tick 5")
         self.assertEqual([self.rrp(1), self.rrp(14)], [0, 0])

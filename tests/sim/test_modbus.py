@@ -1,12 +1,13 @@
 """Modbus RTU of qm730-sim, read and written with Debian's pymodbus as an independent client."""
 
 import logging
+import random
 import unittest
 
 import serial
 from pymodbus.file_message import FileRecord, ReadFileRecordRequest, WriteFileRecordRequest
 
-from simtest import ModbusCase, SimCase, silent_for, temp_word
+from simtest import ModbusCase, silent_for, temp_word, to_bytes, words
 
 logging.getLogger("pymodbus").setLevel(logging.CRITICAL)
 
@@ -48,27 +49,6 @@ class Registers(ModbusCase):
         self.write(40123, [0])
         self.assertEqual(self.sim.word("1 rrp 14"), 0)
 
-    def test_parameter_block_in_the_consoles_pieces(self):
-        block = []
-        for start in (40101, 40221, 40341, 40461):
-            block += self.read(start, 120)
-        block += self.read(40581, 32)
-        self.assertEqual(len(block), 512)
-        for row in (1, 46, 201, 506, 508):
-            self.assertEqual(block[row - 1], self.sim.word(f"1 up {row}"))
-
-        # Written back in five pieces of 120; the last one runs to 40700, the first extra row.
-        block[47 - 1] = 7
-        block[500 - 1] = 1
-        padded = block + [0] * (600 - 512)
-        padded[599] = 1  # register 40700
-        for k in range(5):
-            self.write(40101 + 120 * k, padded[120 * k : 120 * (k + 1)])
-        self.assertEqual(self.sim.word("1 up 47"), 7)
-        self.assertEqual(self.sim.word("1 up 500"), 1)
-        self.assertEqual(self.sim.word("1 upplus 88"), 1)
-        self.assertEqual(self.read(40700, 2), [1, 0])
-
     def test_curve_blocks_and_plain_row_registers(self):
         # The current layout's curve block: 14 rows from 40132 (offsets and points).
         curve = [10000, 10000] + [2000 + 10 * v for v in (-100, -40, 20, 80, 140, 200)] * 2
@@ -88,25 +68,11 @@ class Registers(ModbusCase):
         # Past the legacy block's 492 rows there is no plain row.
         self.assertEqual(self.client.write_registers(493, [1], slave=5).exception_code, 2)
 
-    def test_text_rows(self):
-        names = self.read(42001, 120)
-        self.assertEqual(len(names), 8 * 15)
-        row12 = b"".join(w.to_bytes(2, "big") for w in self.read(44001, 12))
-        self.assertEqual(row12.rstrip(b"\0").decode("big5"), "高溫高濕測試")
-        name = "低溫".encode("big5").ljust(24, b"\0")
-        self.write(44001 + 12 * 3, [int.from_bytes(name[i : i + 2], "big") for i in range(0, 24, 2)])  # row 15
-        self.assertEqual(self.sim.command("get 1 td 15"), "低溫")
-
     def test_the_rows_the_parameter_pages_write(self):
         # A password is four rows of digit codes written as one block.
         self.write(40390, [ord(c) for c in "0417"])
         self.assertEqual([self.sim.word(f"1 up {r}") for r in range(290, 294)], [48, 52, 49, 55])
         self.assertEqual(self.read(40390, 4), [48, 52, 49, 55])
-        # The maker's text lines are rows 9 to 11, 15 registers each.
-        line = "ACME 恆溫".encode("big5").ljust(30, b"\0")
-        self.write(43001 + 15, [int.from_bytes(line[i : i + 2], "big") for i in range(0, 30, 2)])  # row 10
-        self.assertEqual(self.sim.command("get 1 td 10"), "ACME 恆溫")
-        self.assertEqual(b"".join(w.to_bytes(2, "big") for w in self.read(43001, 45))[30:60], line)
         # The start and program locks behind the block.
         self.write(40701, [1])
         self.assertEqual(self.sim.word("1 upplus 89"), 1)
@@ -121,28 +87,6 @@ class Registers(ModbusCase):
         self.assertEqual(self.read(40261, 1, slave=5), [0x0805])  # the same row in the block's map
         self.assertEqual(self.client.read_holding_registers(493, 1, slave=5).exception_code, 2)  # past its 492 rows
         self.write(87, [1], slave=5)
-
-    def test_patterns_by_registers_and_segments_by_file_records(self):
-        pattern1 = self.read(50001, 81)
-        self.assertEqual(pattern1[0], 4)
-        values = list(range(1000, 1081))
-        self.write(50001 + 81 * 3, values)  # pattern 4
-        self.assertEqual(self.read(50001 + 81 * 3, 81), values)
-        self.assertEqual(self.sim.word("1 pd 4 81"), 1080)
-
-        read = ReadFileRecordRequest(records=[FileRecord(reference_type=6, file_number=1, record_number=2,
-                                                         record_length=29)], unit=1)
-        segment = self.client.execute(read).records[0].record_data
-        self.assertEqual(len(segment), 58)
-        self.assertEqual(int.from_bytes(segment[:2], "big"), temp_word(85.0))
-
-        data = bytes(range(58))
-        write = WriteFileRecordRequest(records=[FileRecord(reference_type=6, file_number=4, record_number=3,
-                                                           record_data=data)], unit=1)
-        self.assertFalse(self.client.execute(write).isError())
-        self.assertEqual(self.sim.word("1 sd 4 3 29"), int.from_bytes(data[56:], "big"))
-        read.records[0].file_number, read.records[0].record_number = 4, 3
-        self.assertEqual(self.client.execute(read).records[0].record_data, data)
 
     def test_generated_programs_follow_the_firmwares_pattern_count(self):
         self.sim.ok("programs 5 300 1")
@@ -185,6 +129,58 @@ class Registers(ModbusCase):
             port.close()
             self.client.connect()
 
+
+
+class Blocks(ModbusCase):
+    """Whole blocks as the backup and restore chains write and read them, kept byte-exact."""
+
+    options = ("--protocol", "Modbus RTU", "--machines", "1", "--seed", "0", "--speed", "0", "--no-pace")
+
+    def test_parameter_block_in_the_consoles_pieces_both_ways(self):
+        # Written in five pieces of 120; the last one runs on to 40700, the first extra row.
+        block = self.random_block(random.Random(4), 1, 512)
+        padded = block + [0] * 87 + [1]
+        for k in range(5):
+            self.write(40101 + 120 * k, padded[120 * k : 120 * (k + 1)])
+        self.assertEqual(self.dump("up"), to_bytes(block))
+        self.assertEqual(self.sim.word("1 upplus 88"), 1)
+        self.assertEqual(self.read(40700, 2), [1, 0])
+        pieces = [self.read(40101 + 120 * k, 120) for k in range(4)] + [self.read(40581, 32)]
+        self.assertEqual(sum(pieces, []), block)
+
+    def test_text_rows_in_the_chains_blocks(self):
+        rng = random.Random(5)
+        rows = {3: "門開關".encode("big5").ljust(30, b"\0"), 10: bytes(rng.randrange(1, 256) for _ in range(30)),
+                12: "程式組A".encode("big5").ljust(24, b"\0"), 111: bytes(rng.randrange(1, 256) for _ in range(24))}
+        for row, data in rows.items():
+            start = 42001 + 15 * (row - 1) if row <= 8 else 43001 + 15 * (row - 9) if row <= 11 else 44001 + 12 * (row - 12)
+            self.write(start, words(data))
+        td = self.dump("td")
+        for row, data in rows.items():
+            self.assertEqual(td[(row - 1) * 30 : row * 30], data.ljust(30, b"\0"), row)
+        self.assertEqual(self.sim.command("get 1 td 12"), "程式組A")
+        # Read back as the receive chain reads: 8 rows, 3 rows, then ten names a read.
+        self.assertEqual(to_bytes(self.read(42001, 120)) + to_bytes(self.read(43001, 45)), td[: 11 * 30])
+        names = b"".join(to_bytes(self.read(44001 + 120 * k, 120)) for k in range(10))
+        self.assertEqual(names, b"".join(td[(row - 1) * 30 : (row - 1) * 30 + 24] for row in range(12, 112)))
+
+    def test_patterns_by_registers_and_segments_by_file_records(self):
+        self.assertEqual(self.read(50001, 81)[0], 4)  # pattern 1 has four segments
+        pattern = [random.randrange(65536) for _ in range(81)]
+        self.write(50001 + 81 * 99, pattern)  # pattern 100, the last
+        self.assertEqual(self.dump("pd")[99 * 162 :], to_bytes(pattern))
+        self.assertEqual(self.read(50001 + 81 * 99, 81), pattern)
+
+        def record(file, number, data=None):
+            r = FileRecord(reference_type=6, file_number=file, record_number=number, record_length=29, record_data=data or b"")
+            return self.client.execute((WriteFileRecordRequest if data else ReadFileRecordRequest)(records=[r], unit=1))
+
+        segment = record(1, 2).records[0].record_data
+        self.assertEqual((len(segment), int.from_bytes(segment[:2], "big")), (58, temp_word(85.0)))
+        data = bytes(random.randrange(256) for _ in range(58))
+        self.assertFalse(record(100, 100, data).isError())
+        self.assertEqual(self.dump("sd 100")[99 * 58 :], data)
+        self.assertEqual(record(100, 100).records[0].record_data, data)
 
 if __name__ == "__main__":
     unittest.main()

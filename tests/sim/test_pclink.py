@@ -1,6 +1,7 @@
 """PC Link replies of qm730-sim against the reply table, with requests built by hand."""
 
 import os
+import random
 import shutil
 import subprocess
 import tempfile
@@ -9,7 +10,7 @@ import unittest
 
 import serial
 
-from simtest import SimCase, Simulator, read_exact, read_reply, request, silent_for, temp_word, with_sum, words
+from simtest import SimCase, Simulator, read_exact, read_reply, request, silent_for, temp_word, to_bytes, with_sum, words
 
 # Bytes of each live-status row in the RCV reply; rows 13, 15, 16, 18, 20, 22, 25, 26, 27 are single bytes.
 RCV_SIZES = [2] * 12 + [1, 2, 1, 1, 2, 1, 2, 1, 2, 1, 2, 2, 1, 1, 1]
@@ -49,14 +50,11 @@ class Replies(SimCase):
         self.assertEqual(words(data), [self.sim.word(f"1 rrp {r}") for r in range(1, 18)])
         self.assertEqual(words(self.answer(request(1, "RRP", 15), 21, b"\x02001RRP,OK,0015,")), [1])  # one decimal
 
-    def test_parameter_block_follows_the_firmware(self):
-        for machine, rows in [(1, 512), (12, 492), (7, 392)]:
-            block = words(self.answer(request(machine, "RUP", 0), 2 * rows + 19, b"\x02%03dRUP,OK,0000," % machine))
-            self.assertEqual(len(block), rows)
-            self.assertEqual(block[201 - 1] if rows == 512 else block[175 - 1], machine)
-        # The display resolution sits in row 506 on current firmware and row 80 on older ones.
-        self.assertEqual(words(self.answer(request(1, "RUP", 506), 21, b"\x02001RUP,OK,0506,")), [1])
-        self.assertEqual(words(self.answer(request(12, "RUP", 80), 21, b"\x02012RUP,OK,0080,")), [1])
+    def test_rows_follow_the_firmware(self):
+        # Display resolution and the machine's own number: rows 506 and 201 on current firmware, 80 and 175 before.
+        for machine, row, value in [(1, 506, 1), (12, 80, 1), (1, 201, 1), (12, 175, 12)]:
+            header = b"\x02%03dRUP,OK,%04d," % (machine, row)
+            self.assertEqual(words(self.answer(request(machine, "RUP", row), 21, header)), [value])
 
     def test_text_rows_hold_big5_names_and_take_writes(self):
         self.assertEqual(self.answer(request(1, "RTD", 12), 48, b"\x02001RTD,OK,0012,").rstrip(b"\0").decode("big5"), "高溫高濕測試")
@@ -93,10 +91,6 @@ class Replies(SimCase):
         self.assertEqual(self.sim.word("1 rrp 11"), 0x0A0D)
         self.assertEqual(self.ask(request(12, "WUP", 47, data=b"\x00\x09"), 18), b"\x02012WUP,OK,0047\x03\r\n")
         self.assertEqual(self.sim.word("12 up 47"), 9)
-        block = bytearray(self.ask(request(12, "RUP", 0), 1003)[16:1000])
-        block[2 * 99 : 2 * 99 + 2] = (4321).to_bytes(2, "big")  # row 100
-        self.assertEqual(self.ask(request(12, "WUP", 0, data=bytes(block)), 18)[11:15], b"0000")
-        self.assertEqual(self.sim.word("12 up 100"), 4321)
 
     def test_refusals_lack_ok(self):
         for frame in [request(1, "RRP", 18), request(12, "RUP", 493), request(1, "RPD", 101, 0),
@@ -154,6 +148,33 @@ class Replies(SimCase):
             port.write(request(1, "WHO"))
             self.assertIn(b"QM", read_reply(port))
             port.close()
+
+
+class Blocks(SimCase):
+    """Whole blocks as the backup and restore chains write and read them, kept byte-exact."""
+
+    options = ("--machines", "1,2:2.09,3:1.81,4:1.80", "--seed", "0", "--speed", "0", "--no-pace")
+
+    def test_whole_parameter_block_of_every_firmware_size(self):
+        rng = random.Random(1)
+        for machine, rows in ((1, 512), (2, 492), (3, 456), (4, 392)):
+            with self.subTest(machine=machine):
+                block = self.random_block(rng, machine, rows)
+                ack = self.ask(request(machine, "WUP", 0, data=to_bytes(block)), 18)
+                self.assertEqual(ack, b"\x02%03dWUP,OK,0000\x03\r\n" % machine)
+                self.assertEqual(self.dump("up", machine), to_bytes(block))
+                self.assertEqual(self.ask(request(machine, "RUP", 0), 19 + 2 * rows)[16:-3], to_bytes(block))
+
+    def test_block_holding_the_end_of_a_smaller_block_is_taken_whole(self):
+        block = self.random_block(random.Random(2), 1, 512)
+        block[392], block[393] = 0x030D, 0x0A00  # ETX CR LF just where a 392-row block would end
+        self.ask(request(1, "WUP", 0, data=to_bytes(block)), 18)
+        self.assertEqual(self.dump("up"), to_bytes(block))
+
+    def test_block_of_another_size_is_refused_and_changes_nothing(self):
+        before = self.dump("up", 2)
+        self.assertNotIn(b",OK,", self.ask(request(2, "WUP", 0, data=bytes(2 * 512))))
+        self.assertEqual(self.dump("up", 2), before)
 
 
 class GeneratedPrograms(SimCase):
