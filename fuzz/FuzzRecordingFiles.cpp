@@ -13,19 +13,6 @@
 
 namespace {
 
-int lineBreaks(const uint8_t *data, size_t size)
-{
-    int n = 0;
-    for (size_t i = 0; i < size; ++i)
-        n += data[i] == '\n' || data[i] == '\r';
-    return n;
-}
-
-bool hasLineBreak(const QString &text)
-{
-    return text.contains(u'\n') || text.contains(u'\r');
-}
-
 bool inside(const QString &path, const QString &folder)
 {
     return QDir::cleanPath(path).startsWith(folder + u'/');

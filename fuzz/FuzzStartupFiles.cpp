@@ -21,20 +21,6 @@ struct Console {
     explicit Console(const char *target) : state(fuzzHome(target)) {}
 };
 
-// Lines as any line reader counts them can be no more than the line breaks plus one.
-int lineBreaks(const uint8_t *data, size_t size)
-{
-    int n = 0;
-    for (size_t i = 0; i < size; ++i)
-        n += data[i] == '\n' || data[i] == '\r';
-    return n;
-}
-
-bool hasLineBreak(const QString &text)
-{
-    return text.contains(u'\n') || text.contains(u'\r');
-}
-
 } // namespace
 
 int fuzzCommPortCfg(const uint8_t *data, size_t size)

@@ -18,6 +18,22 @@ QString fuzzHome(const char *target);
 void writeFuzzFile(const QString &home, const QString &relative, const uint8_t *data, size_t size);
 QByteArray readFuzzFile(const QString &home, const QString &relative);
 
+// The line breaks (CR or LF) in the input: a line reader can find no more
+// lines than these plus one.
+inline int lineBreaks(const uint8_t *data, size_t size)
+{
+    int n = 0;
+    for (size_t i = 0; i < size; ++i)
+        n += data[i] == '\n' || data[i] == '\r';
+    return n;
+}
+
+// A value read from one line never holds a line break.
+inline bool hasLineBreak(const QString &text)
+{
+    return text.contains(u'\n') || text.contains(u'\r');
+}
+
 // A property that must hold for every input. A broken one is reported to the
 // failure handler: by default it prints the property and aborts, so libFuzzer
 // keeps the input; the corpus replay installs one that throws instead.
