@@ -74,6 +74,11 @@ void CommLink::beginScan()
     m_st.setStatusPanel(3, QStringLiteral("OPEN"));
     emit portStateChanged(true);
     m_buf.clear();
+    // A new scan is a new exchange: time-outs counted on the line before it
+    // was closed do not shorten the three tries of the first slot, and a
+    // time-out still running from then does not fire into the new scan.
+    tmrRecvErr.stop();
+    m_st.RetryCount = 0;
     emit scanMessageVisible(true);
     for (int row = 1; row <= m_st.sprdStatus.rowCount(); ++row)
         m_st.sprdStatus.setColor(2, row, TextTable::White);

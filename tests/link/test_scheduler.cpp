@@ -357,6 +357,28 @@ private slots:
         QCOMPARE(logged.size(), 1); // text row 0: nothing at all
     }
 
+    void reopeningGivesTheFirstSlotThreeTriesAgain()
+    {
+        LinkHarness h;
+        FakeLine line; // nobody answers
+        h.port.responder = [&line](const QByteArray &f) { return line.answer(f); };
+        h.link->tmrRecvErr.setInterval(100);
+        QVERIFY(h.open());
+        QTRY_COMPARE(line.seen.size(), 2);
+        // Closed during the second try; its time-out fires once into the closed port.
+        QVERIFY(h.link->closeLink());
+        QTRY_VERIFY(!h.link->tmrRecvErr.isActive());
+        // Opened again at once after one more try, while that time-out still runs.
+        QVERIFY(h.open());
+        QTRY_COMPARE(line.seen.size(), 3);
+        QVERIFY(h.link->closeLink());
+        QVERIFY(h.open());
+        QCOMPARE_NE(h.state->sprdStatus.text(2, 1), QStringLiteral("不良"));
+        line.seen.clear();
+        QTRY_COMPARE(h.state->sprdStatus.text(2, 1), QStringLiteral("不良"));
+        QCOMPARE(line.seen.size(), 3);
+    }
+
     void rtsControlSendsAZeroByteAfterEachFrame()
     {
         LinkHarness h;
