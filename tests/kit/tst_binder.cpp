@@ -1,11 +1,11 @@
-// The page binder and the page frame, once for every parameter page: a field
-// bound to a parameter loads, clamps, commits and keeps a pair in order; an
-// option group shows and writes its row; table cells are bound to rows; a
-// page takes the refresh over and gives it back.
+// The page binder, once for every parameter page: a field bound to a
+// parameter loads, clamps, commits and keeps a pair in order; an option group
+// shows and writes its row; table cells are bound to rows. (The page frame
+// taking the refresh over and giving it back: the menu walk in tests/app, the
+// pages opened from pages in tests/pages.)
 #include "../pages/PageFixture.h"
 #include "EntryField.h"
 #include "PageBinder.h"
-#include "ParamPage.h"
 #include "ParamTable.h"
 #include <QPushButton>
 #include <QTableWidget>
@@ -38,13 +38,11 @@ private slots:
         k.up({Param::txtScale1, 1}, 25050);   // T100: 150.5 degrees
         k.up({Param::txtTempOutV, 1}, 10500); // LIM: 100.00 %
         k.binder.load();
-        QCOMPARE(scaleHigh->text(), QStringLiteral("150.50"));
-        QCOMPARE(limit->text(), QStringLiteral("100.00"));
-        QCOMPARE(filter->text(), QString()); // not read yet
+        QCOMPARE(QStringList({scaleHigh->text(), limit->text(), filter->text()}), QStringList({"150.50", "100.00", ""})); // the filter not read yet
+        // The controller's resolution; the limit has a fixed pattern.
         k.s.image.setTempDecimals(1);
         k.binder.load();
-        QCOMPARE(scaleHigh->text(), QStringLiteral("150.5")); // the controller's resolution
-        QCOMPARE(limit->text(), QStringLiteral("100.00"));   // a fixed pattern
+        QCOMPARE(QStringList({scaleHigh->text(), limit->text()}), QStringList({"150.5", "100.00"}));
     }
 
     void leavingClampsToTheParameterRange()
@@ -58,26 +56,16 @@ private slots:
         QCOMPARE(k.s.ReqCmd, 0); // leaving sends nothing
     }
 
-    void enterStoresTheCellAndWritesTheRow_data()
-    {
-        QTest::addColumn<Layout>("c");
-        QTest::newRow("current, PC Link") << Layout{2.31, "PC Link", 32};
-        QTest::newRow("current, Modbus RTU") << Layout{2.31, "Modbus RTU", 40132};
-        QTest::newRow("legacy, Modbus RTU") << Layout{2.1, "Modbus RTU", 34};
-    }
+    // (The row's address by layout and protocol: tests/image and tests/link.)
     void enterStoresTheCellAndWritesTheRow()
     {
-        QFETCH(Layout, c);
-        const int address = c.address;
-        Kit k(c.firmware, c.protocol);
+        Kit k(2.31, QStringLiteral("Modbus RTU"));
         k.binder.field(k.edit("txtBias1"), Param::txtBias1_RTD);
         k.enter("txtBias1", "-1.255");
         // OFS: value x 100 + 10000; the cell keeps the exact value, the word is rounded half to even.
         QCOMPARE(k.cell(Param::txtBias1_RTD), QStringLiteral("9874.5"));
-        QCOMPARE(k.mail(), (Mail{102, address, 9874}));
-        k.enter("txtBias1", "300"); // Enter clamps as leaving does
-        QCOMPARE(k.text("txtBias1"), QStringLiteral("100.00"));
-        QCOMPARE(k.mail(), (Mail{102, address, 20000}));
+        QCOMPARE(k.mail(), (Mail{102, 40132, 9874}));
+        k.enterAll({{"txtBias1", -1, "300", {102, 40132, 20000}, "100.00"}}); // Enter clamps as leaving does
     }
 
     void aPairKeepsHighAboveLow()
@@ -88,16 +76,9 @@ private slots:
         k.up({Param::txtScale1, 1}, 25000);
         k.up({Param::txtScale1, 0}, 5000);
         k.binder.load();
-        k.enter(low, "120"); // below 150: taken
-        QCOMPARE(k.mail(), (Mail{102, 29, 22000}));
-        k.clearMail();
+        k.enterAll({{"low", -1, "120", {102, 29, 22000}}}); // below 150: taken
         // A high value at or below the low one takes back its old text and writes it again.
-        k.enter(high, "110");
-        QCOMPARE(high->text(), QStringLiteral("150.00"));
-        QCOMPARE(k.mail(), (Mail{102, 28, 25000}));
-        k.enter(low, "150");
-        QCOMPARE(low->text(), QStringLiteral("120"));
-        QCOMPARE(k.mail(), (Mail{102, 29, 22000}));
+        k.enterAll({{"high", -1, "110", {102, 28, 25000}, "150.00"}, {"low", -1, "150", {102, 29, 22000}, "120"}});
         // A refused field never loaded has nothing to write again.
         EntryField *empty = k.edit("empty");
         k.binder.check(k.binder.field(empty, {Param::txtAdjustY_T, 3}), [](double) { return false; });
@@ -218,42 +199,6 @@ private slots:
         clickCell(table, 2, 1);
         QCOMPARE(chosen, 0);
         QVERIFY(cellChecked(table, 2, 1) && !cellChecked(table, 2, 2));
-    }
-
-    void aPageTakesTheRefreshOverAndGivesItBack()
-    {
-        PageFixture f;
-        QTimer mainRefresh;
-        f.s.MainRefreshTimer = &mainRefresh;
-        f.s.setActiveRefreshTimer(nullptr);
-        {
-            QDialog outer;
-            ParamPage page(f.bench.ctx, &outer);
-            EntryField *filter = new EntryField(QStringLiteral("txtLPF1"), &outer);
-            page.binder().field(filter, Param::txtLPF1);
-            f.up(25, 12);
-            page.open();
-            QCOMPARE(filter->text(), QStringLiteral("12"));
-            QVERIFY(f.s.ParamPageOpen);
-            auto *own = outer.findChild<QTimer *>(QStringLiteral("tmrRefresh"));
-            QCOMPARE(f.s.ActiveRefreshTimer.data(), own);
-            {
-                // A page opened from this one takes the refresh and gives it back to this one.
-                QDialog inner;
-                ParamPage sub(f.bench.ctx, &inner);
-                sub.open();
-                QVERIFY(f.s.ActiveRefreshTimer.data() != own);
-            }
-            QCOMPARE(f.s.ActiveRefreshTimer.data(), own);
-            QVERIFY(f.s.ParamPageOpen);
-            // The link starts the timer when the reply is in; its tick reloads.
-            f.up(25, 40);
-            f.s.startActiveRefresh();
-            QTRY_COMPARE(filter->text(), QStringLiteral("40"));
-            QVERIFY(!own->isActive());
-        }
-        QCOMPARE(f.s.ActiveRefreshTimer.data(), &mainRefresh);
-        QVERIFY(!f.s.ParamPageOpen);
     }
 };
 

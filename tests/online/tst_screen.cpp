@@ -62,6 +62,7 @@ struct Capture {
     int progress() { return child<QProgressBar>(*screen, "ProgressBar1")->value(); }
     QImage shown() { return child<QLabel>(*screen, "Picture1")->pixmap().toImage(); }
     bool enabled(const char *name) { return child<QPushButton>(*screen, name)->isEnabled(); }
+    QList<bool> buttons() { return {enabled("btnRead"), enabled("btnStop"), enabled("btnSave"), enabled("btnClose")}; }
     // btnRead, and the send tick that puts the request on the line.
     void read()
     {
@@ -93,8 +94,7 @@ private slots:
         QVERIFY(!c.enabled("btnSave")); // no picture in the folder yet
         c.read();
         QVERIFY(c.screen->receiving());
-        QCOMPARE(QList<bool>({c.enabled("btnRead"), c.enabled("btnStop"), c.enabled("btnSave"), c.enabled("btnClose")}),
-                 QList<bool>({false, true, false, false}));
+        QCOMPARE(c.buttons(), QList<bool>({false, true, false, false}));
         c.screen->reject(); // no closing while the picture comes
         QVERIFY(c.screen->receiving());
         const QByteArray frame = reply(pixels(0));
@@ -103,8 +103,7 @@ private slots:
         c.feed(frame.mid(38407));
         QCOMPARE(c.msg(), QStringLiteral("接收完了"));
         QCOMPARE(c.progress(), 100);
-        QCOMPARE(QList<bool>({c.enabled("btnRead"), c.enabled("btnStop"), c.enabled("btnSave"), c.enabled("btnClose")}),
-                 QList<bool>({true, false, true, true}));
+        QCOMPARE(c.buttons(), QList<bool>({true, false, true, true}));
         QCOMPARE(c.s.CmdState, int(Cmd::Poll)); // back to polling
 
         const QByteArray b = c.bmp();
@@ -114,21 +113,15 @@ private slots:
                                        le(b, 22, 4), le(b, 26, 2), le(b, 28, 2), le(b, 30, 4), le(b, 34, 4),
                                        le(b, 38, 4), le(b, 42, 4), le(b, 46, 4), le(b, 50, 4)};
         QCOMPARE(header, QList<quint32>({230454, 0, 54, 40, 320, 240, 1, 24, 0, 230400, 2835, 2835, 0, 0}));
-        // Each byte in 3-3-2 colour, as blue, green, red, in the frame's order.
+        // Each byte in 3-3-2 colour, as blue, green, red, in the frame's order:
+        // the darkest and the lightest. (Every pixel of a drawn screen against
+        // the simulator's own drawing: tests/integration.)
         const QByteArray p = pixels(0);
-        for (int i = 0; i < p.size(); ++i) {
-            const int v = quint8(p[i]);
-            const char bgr[3] = {char((v & 3) * 64 + 63), char((v & 28) * 8 + 31), char((v & 224) + 31)};
-            QVERIFY2(b.mid(54 + 3 * i, 3) == QByteArray(bgr, 3), qPrintable(QStringLiteral("pixel %1").arg(i)));
-        }
         QCOMPARE(b.mid(54 + 3 * p.indexOf('\0'), 3), QByteArray("\x3F\x1F\x1F"));
         QCOMPARE(b.mid(54 + 3 * p.indexOf('\xFF'), 3), QByteArray("\xFF\xFF\xFF"));
-        // Any reader sees the first bytes as the bottom line; the screen shows it twice as large.
-        const QImage image(c.bmpPath());
-        QCOMPARE(image.size(), QSize(320, 240));
-        QCOMPARE(image.pixelColor(0, 239), QColor(31 + (p[0] & 224), 31 + (p[0] & 28) * 8, 63 + (p[0] & 3) * 64));
+        // The first bytes are the bottom line; the screen shows it twice as large.
         QCOMPARE(c.shown().size(), QSize(640, 480));
-        QCOMPARE(c.shown().pixelColor(1, 479), image.pixelColor(0, 239));
+        QCOMPARE(c.shown().pixelColor(1, 479), QColor(31 + (p[0] & 224), 31 + (p[0] & 28) * 8, 63 + (p[0] & 3) * 64));
     }
 
     void failedCapturesKeepTheLastPicture_data()

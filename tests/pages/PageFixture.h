@@ -102,6 +102,27 @@ struct PageFixture {
         QApplication::sendEvent(e, &out);
         return e->text();
     }
+    // Fields typed into and confirmed one after the other: the mail each
+    // leaves and, where given, the text the field shows then.
+    struct Entry {
+        const char *name;
+        int index;
+        QString typed;
+        Mail mail;
+        QString shown = {};
+    };
+    void enterAll(const QList<Entry> &entries)
+    {
+        for (const Entry &e : entries) {
+            enter(field(e.name, e.index), e.typed);
+            const Mail m = mail();
+            const QString shown = text(e.name, e.index);
+            QVERIFY2(m == e.mail && (e.shown.isNull() || shown == e.shown),
+                     qPrintable(QStringLiteral("%1[%2] \"%3\": mail %4 %5 %6, shown \"%7\"")
+                                    .arg(QLatin1String(e.name)).arg(e.index).arg(e.typed)
+                                    .arg(m[0]).arg(m[1]).arg(m[2]).arg(shown)));
+        }
+    }
     void click(const char *name, int index = -1) { QTest::mouseClick(button(name, index), Qt::LeftButton); }
     bool chosen(const char *name, int index) const { return ButtonColour::of(button(name, index)) == ButtonColour::Selected; }
 

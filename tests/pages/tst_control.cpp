@@ -16,11 +16,9 @@ private slots:
             Mail mail;
         };
         // Current layout, Modbus RTU: the humidity fields as any row, the
-        // temperature period and limits as plain rows, the offsets to 249 and 251.
-        // Legacy layout: plain rows in every protocol.
-        for (const Case &c : QList<Case>{{2.31, "txtHumiOutPeriod", -1, "5", {102, 40189, 5}},
-                                         {2.31, "txtTempOutPeriod", -1, "5", {102, 73, 5}},
-                                         {2.31, "txtTempOutV", 1, "90", {102, 75, 9500}},
+        // temperature limits as plain rows (the periods: tests/integration),
+        // the offsets to 249 and 251. Legacy layout: plain rows in every protocol.
+        for (const Case &c : QList<Case>{{2.31, "txtTempOutV", 1, "90", {102, 75, 9500}},
                                          {2.31, "txtTempOutV", 0, "-5", {102, 76, 0}},
                                          {2.31, "txtHumiOutV", 1, "90", {102, 40191, 9500}},
                                          {2.31, "txtTempOutBias", -1, "-3", {102, 249, 9700}},
@@ -31,10 +29,10 @@ private slots:
                                          {2.1, "txtTempOutBias", -1, "20", {102, 249, 12000}},
                                          {2.1, "txtTempOutV", 1, "50", {102, 57, 5500}}}) {
             PageFixture f(c.firmware, QStringLiteral("Modbus RTU"));
-            f.up({Param::txtTempOutV, 1}, 10500);
-            f.up({Param::txtTempOutV, 0}, 500);
-            f.up({Param::txtHumiOutV, 1}, 10500);
-            f.up({Param::txtHumiOutV, 0}, 500);
+            for (Param p : {Param::txtTempOutV, Param::txtHumiOutV}) {
+                f.up({p, 1}, 10500);
+                f.up({p, 0}, 500);
+            }
             f.up({Param::txtRetHumiRange, 0}, 0);
             f.up({Param::txtRetTempRange, 1}, 30000);
             f.open<frmQM730SYS_Control>();
@@ -77,9 +75,9 @@ private slots:
         for (const double v : {2.08, 2.09}) {
             PageFixture f(v);
             f.open<frmQM730SYS_Control>();
-            QCOMPARE(f.button("btnAdjustT")->isVisible(), v >= 2.09);
-            QCOMPARE(f.button("btnAdjustH")->isVisible(), v >= 2.09);
-            QCOMPARE(f.label("lblTempOutBias") == QStringLiteral("溫度輸出偏差"), v >= 2.09);
+            QCOMPARE(QList<bool>({f.button("btnAdjustT")->isVisible(), f.button("btnAdjustH")->isVisible(),
+                                  f.label("lblTempOutBias") == QStringLiteral("溫度輸出偏差")}),
+                     QList<bool>(3, v >= 2.09));
         }
         PageFixture f;
         f.up({{81, 10500}, {97, 9800}}); // retransmission offsets: temperature 5, humidity -2

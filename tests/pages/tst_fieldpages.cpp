@@ -16,11 +16,9 @@ class FieldPagesTest : public QObject {
 private slots:
     void runSettingsGoToTheSameRowsOnEveryFirmware_data()
     {
+        // (Current Modbus RTU against the simulator: tests/integration.)
         QTest::addColumn<Layout>("c"); // the address of row 0
         QTest::newRow("2.31, PC Link") << Layout{2.31, "PC Link", 0};
-        QTest::newRow("2.31, Modbus RTU") << Layout{2.31, "Modbus RTU", 40100};
-        QTest::newRow("2.09, PC Link + crc") << Layout{2.09, "PC Link + crc", 0};
-        QTest::newRow("2.09, Modbus RTU") << Layout{2.09, "Modbus RTU", 40100};
         QTest::newRow("1.8, Modbus RTU") << Layout{1.8, "Modbus RTU", 40100};
     }
     void runSettingsGoToTheSameRowsOnEveryFirmware()
@@ -41,18 +39,10 @@ private slots:
             QCOMPARE(f.mail(), (Mail{102, offset + c.row, c.word}));
             QCOMPARE(f.row(c.row), QString::number(c.word));
         }
-        struct Entry {
-            const char *name;
-            const char *typed;
-            int row, word;
-        };
-        for (const Entry &e : {Entry{"txtT_SV", "6000.1", 4, 60000}, Entry{"txtH_SV", "12.5", 5, 125},
-                               Entry{"txtRun_Hour", "10", 2, 10}, Entry{"txtRun_Minute", "75", 3, 59},
-                               Entry{"txtAuto_Off", "5", 11, 5}}) {
-            QVERIFY(f.field(e.name)->isEnabled()); // a fixed-value run was chosen above
-            f.enter(e.name, QLatin1String(e.typed));
-            QCOMPARE(f.mail(), (Mail{102, offset + e.row, e.word}));
-        }
+        QVERIFY(f.field("txtT_SV")->isEnabled()); // a fixed-value run was chosen above
+        f.enterAll({{"txtT_SV", -1, "6000.1", {102, offset + 4, 60000}}, {"txtH_SV", -1, "12.5", {102, offset + 5, 125}},
+                    {"txtRun_Hour", -1, "10", {102, offset + 2, 10}}, {"txtRun_Minute", -1, "75", {102, offset + 3, 59}},
+                    {"txtAuto_Off", -1, "5", {102, offset + 11, 5}}});
         // The start and program locks are Modbus RTU's, behind the block.
         const bool modbus = offset != 0;
         QCOMPARE(f.button("btnOper_Lock", 1)->isVisible(), modbus);
@@ -86,11 +76,7 @@ private slots:
         QVERIFY(f.chosen("btnSaveAction", 3));
         QVERIFY(!f.button("btnSaveObj", 0)->isVisible());
         QVERIFY(!f.button("btnBufferInit")->isEnabled());
-        f.enter("txtSavePeriod", QStringLiteral("0"));
-        QCOMPARE(f.text("txtSavePeriod"), QStringLiteral("1"));
-        QCOMPARE(f.mail(), (Mail{102, 76, 1}));
-        f.enter("txtSavePeriod", QStringLiteral("400"));
-        QCOMPARE(f.mail(), (Mail{102, 76, 360}));
+        f.enterAll({{"txtSavePeriod", -1, "0", {102, 76, 1}, "1"}, {"txtSavePeriod", -1, "400", {102, 76, 360}}});
     }
 
     void communicationListsAndTheirRowSets()
@@ -113,8 +99,7 @@ private slots:
         QCOMPARE(f.get<QComboBox>("cmbStop")->currentText(), QStringLiteral("2"));
         QTest::keyClick(f.get<QComboBox>("cmbData"), Qt::Key_Down); // from none to "5"
         QCOMPARE(f.mail(), (Mail{102, 206, 5}));
-        f.enter("txtMC_No", QStringLiteral("1000"));
-        QCOMPARE(f.mail(), (Mail{102, 208, 999}));
+        f.enterAll({{"txtMC_No", -1, "1000", {102, 208, 999}}});
 
         // Below 2.3 the controller has no Modbus RTU.
         PageFixture g(2.29, QStringLiteral("PC Link"), 1);
@@ -126,8 +111,8 @@ private slots:
 
     void passwordDigitsAndMakersLines_data()
     {
+        // (Both protocols of the current layout against the simulator: tests/integration.)
         QTest::addColumn<Layout>("c"); // the address and row of the first digit
-        QTest::newRow("2.31, PC Link") << Layout{2.31, "PC Link", 290, 290};
         QTest::newRow("2.31, Modbus RTU") << Layout{2.31, "Modbus RTU", 40390, 290};
         QTest::newRow("legacy") << Layout{2.09, "PC Link", 253, 253};
     }

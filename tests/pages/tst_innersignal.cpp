@@ -37,34 +37,29 @@ private slots:
         for (int k = 0; k < 7; ++k)
             f.up({{row(1, k), one[k]}, {row(8, k), eight[k]}});
         auto *page = f.open<frmQM730SYS_InnerNew>();
-        QCOMPARE(f.text("txtIS_NO"), QStringLiteral("1"));
-        QCOMPARE(f.text("txtIS_Range", 1), QStringLiteral("5.0"));
-        QCOMPARE(f.text("txtIS_Delay", 1), QStringLiteral("30"));
+        // The number, the high end, the delay's seconds.
+        auto shown = [&] { return QStringList({f.text("txtIS_NO"), f.text("txtIS_Range", 1), f.text("txtIS_Delay", 1)}); };
+        QCOMPARE(shown(), QStringList({"1", "5.0", "30"}));
         QVERIFY(f.chosen("btnIS_SOURCE", 1));
         f.typeAndLeave("txtIS_Delay", "17", 1); // an edit of signal 1, not committed
 
         f.click("btnIS_DN"); // 1 -> 8: the edit is dropped
-        QCOMPARE(f.text("txtIS_NO"), QStringLiteral("8"));
-        QCOMPARE(f.text("txtIS_Range", 1), QStringLiteral("90.0"));
+        QCOMPARE(shown(), QStringList({"8", "90.0", "5"}));
         QCOMPARE(f.text("txtIS_Range", 0), QStringLiteral("10.0"));
-        QCOMPARE(f.text("txtIS_Delay", 1), QStringLiteral("5"));
         QVERIFY(f.chosen("btnIS_SOURCE", 2) && f.chosen("btnIS_Type", 3) && f.chosen("btnIS_Direct", 1));
         QCOMPARE(f.label("lblUnit_IS"), QStringLiteral("[%]"));
         QCOMPARE(f.s.ReqCmd, 0); // a new signal is a reload, not a write
         QVERIFY(f.s.RefreshOnOpen);
-        f.enter("txtIS_Delay", 1, QStringLiteral("7"));
-        QCOMPARE(f.mail(), (Mail{102, 264, 7})); // signal 8 ends at row 264
+        f.enterAll({{"txtIS_Delay", 1, "7", {102, 264, 7}}}); // signal 8 ends at row 264
 
         f.click("btnIS_UP"); // 8 -> 1
-        QCOMPARE(f.text("txtIS_NO"), QStringLiteral("1"));
-        QCOMPARE(f.text("txtIS_Range", 1), QStringLiteral("5.0"));
+        QCOMPARE(shown(), QStringList({"1", "5.0", "30"}));
         f.click("btnIS_UP");
         QCOMPARE(page->signalNo(), 2);
 
         f.clearMail();
         f.enter("txtIS_NO", QStringLiteral("12")); // typed beyond the last signal
-        QCOMPARE(f.text("txtIS_NO"), QStringLiteral("8"));
-        QCOMPARE(f.text("txtIS_Range", 1), QStringLiteral("90.0"));
+        QCOMPARE(shown(), QStringList({"8", "90.0", "7"}));
         f.enter("txtIS_NO", QStringLiteral("0"));
         QCOMPARE(f.text("txtIS_NO"), QStringLiteral("1"));
         QCOMPARE(f.s.ReqCmd, 0);
@@ -122,13 +117,10 @@ private slots:
         QCOMPARE(f.get<QWidget>("picT_OnOff")->isVisible(), table);
         QCOMPARE(f.button("btnIS_Type", 4)->isVisible(), onOffButton);
         QCOMPARE(ButtonColour::of(f.button("btnIS_Type", 4)), type == 4 ? ButtonColour::Selected : ButtonColour::FaceColour);
-        f.enter(newPicture ? f.field("txtSV_High") : f.field("txtIS_Range", 1), QStringLiteral("25"));
-        QCOMPARE(f.mail(), (Mail{102, base + 2, wordOf25}));
-        if (newPicture) {
-            // The middle value is a value of the band in the delay's row, clamped to 200.
-            f.enter("txtSV_Middle", QStringLiteral("300"));
-            QCOMPARE(f.mail(), (Mail{102, base + 5, 30000}));
-        }
+        f.enterAll({{newPicture ? "txtSV_High" : "txtIS_Range", newPicture ? -1 : 1, "25", {102, base + 2, wordOf25}}});
+        // The middle value is a value of the band in the delay's row, clamped to 200.
+        if (newPicture)
+            f.enterAll({{"txtSV_Middle", -1, "300", {102, base + 5, 30000}}});
     }
 
     void theOnOffTableKeepsEachLineInOrder()
@@ -139,18 +131,12 @@ private slots:
                 f.up({{265 + 5 * j, 1100}, {266 + 5 * j, 1200}, {267 + 5 * j, 1300}});
             f.open<frmQM730SYS_InnerNew>();
             QCOMPARE(f.text("txtT_MSV", 1), QStringLiteral("20.0"));
-            f.enter("txtT_MSV", 1, QStringLiteral("50")); // above its H.SV
-            QCOMPARE(f.text("txtT_MSV", 1), QStringLiteral("30.0"));
-            QCOMPARE(f.mail(), (Mail{102, offset + 271, 1300}));
-            f.enter("txtT_LSV", 2, QStringLiteral("25")); // above its M.SV
-            QCOMPARE(f.mail(), (Mail{102, offset + 275, 1200}));
-            // The humidity line has the smaller ranges.
-            f.enter("txtT_HSV", 4, QStringLiteral("150"));
-            QCOMPARE(f.mail(), (Mail{102, offset + 287, 2000}));
-            f.enter("txtT_Lu", 4, QStringLiteral("150"));
-            QCOMPARE(f.mail(), (Mail{102, offset + 288, 1000}));
-            f.enter("txtT_Lu", 3, QStringLiteral("150"));
-            QCOMPARE(f.mail(), (Mail{102, offset + 283, 1500}));
+            // Above its H.SV, above its M.SV; the humidity line (4) has the smaller ranges.
+            f.enterAll({{"txtT_MSV", 1, "50", {102, offset + 271, 1300}, "30.0"},
+                        {"txtT_LSV", 2, "25", {102, offset + 275, 1200}},
+                        {"txtT_HSV", 4, "150", {102, offset + 287, 2000}},
+                        {"txtT_Lu", 4, "150", {102, offset + 288, 1000}},
+                        {"txtT_Lu", 3, "150", {102, offset + 283, 1500}}});
         }
     }
 };

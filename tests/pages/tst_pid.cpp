@@ -7,13 +7,14 @@
 
 namespace {
 
-QList<int> hiddenLines(const QTableWidget &t)
+// The lines (or the columns) a table hides, counted from 1.
+QList<int> hiddenOf(const QTableWidget &t, bool columns = false)
 {
-    QList<int> lines;
-    for (int r = 0; r < t.rowCount(); ++r)
-        if (t.isRowHidden(r))
-            lines << r + 1;
-    return lines;
+    QList<int> out;
+    for (int i = 0; i < (columns ? t.columnCount() : t.rowCount()); ++i)
+        if (columns ? t.isColumnHidden(i) : t.isRowHidden(i))
+            out << i + 1;
+    return out;
 }
 
 } // namespace
@@ -30,16 +31,10 @@ private slots:
         }
         f.open<frmQM730SYS_PID>();
         QCOMPARE(f.text("txtTempZone", 1), QStringLiteral("100.0"));
-        f.enter("txtTempZone", 2, QStringLiteral("80"));
-        QCOMPARE(f.text("txtTempZone", 2), QStringLiteral("100.0"));
-        QCOMPARE(f.mail(), (Mail{102, 40400, 2000}));
-        f.enter("txtTempZone", 0, QStringLiteral("250"));
-        QCOMPARE(f.text("txtTempZone", 0), QStringLiteral("200.0"));
-        QCOMPARE(f.mail(), (Mail{102, 40398, 3000}));
-        f.enter("txtHumiZone", 3, QStringLiteral("10"));
-        QCOMPARE(f.mail(), (Mail{102, 40405, 600}));
-        f.enter("txtHumiZone", 0, QStringLiteral("5.5")); // the first has no boundary before it
-        QCOMPARE(f.mail(), (Mail{102, 40402, 55}));
+        f.enterAll({{"txtTempZone", 2, "80", {102, 40400, 2000}, "100.0"},
+                    {"txtTempZone", 0, "250", {102, 40398, 3000}, "200.0"},
+                    {"txtHumiZone", 3, "10", {102, 40405, 600}},
+                    {"txtHumiZone", 0, "5.5", {102, 40402, 55}}}); // the first has no boundary before it
     }
 
     void gainsAndTheManualZone()
@@ -50,51 +45,24 @@ private slots:
         QTest::keyClick(f.field("txtT_AT_Gain"), Qt::Key_Return);
         QCOMPARE(f.text("txtT_AT_Gain"), QStringLiteral("0.01"));
         QCOMPARE(f.mail(), (Mail{102, 60, 1}));
-        f.enter("txtH_AT_Gain", QStringLiteral("12"));
-        QCOMPARE(f.text("txtH_AT_Gain"), QStringLiteral("10.00"));
-        QCOMPARE(f.mail(), (Mail{102, 67, 1000}));
+        f.enterAll({{"txtH_AT_Gain", -1, "12", {102, 67, 1000}, "10.00"}});
         QCOMPARE(f.typeAndLeave("txtPIDZone_Manual", "17"), QStringLiteral("16"));
         f.click("btnPIDZone_Finder", 1);
         QCOMPARE(f.mail(), (Mail{102, 74, 1}));
     }
 
-    void theManualZoneGoesToItsRow_data()
+    // One mailbox: the second commit takes the place of the first, and the
+    // image keeps both; text that is no number counts as 0.
+    void theManualZoneAndTheMailbox()
     {
-        QTest::addColumn<Layout>("c");
-        QTest::newRow("current, PC Link") << Layout{2.31, "PC Link", 295};
-        QTest::newRow("current, PC Link + crc") << Layout{2.2, "PC Link + crc", 295};
-        QTest::newRow("current, Modbus RTU") << Layout{2.31, "Modbus RTU", 40395};
-        QTest::newRow("legacy, PC Link") << Layout{2.19, "PC Link", 75};
-        QTest::newRow("legacy, Modbus RTU") << Layout{2.19, "Modbus RTU", 75};
-    }
-    void theManualZoneGoesToItsRow()
-    {
-        QFETCH(Layout, c);
-        const int address = c.address;
-        PageFixture f(c.firmware, c.protocol);
-        f.open<frmQM730SYS_PID>();
-        f.enter("txtPIDZone_Manual", QStringLiteral("7"));
-        QCOMPARE(f.mail(), (Mail{102, address, 7}));
-        QCOMPARE(f.row(address % 40100), QStringLiteral("7"));
-        // Text that is no number counts as 0; the reload after the reply shows it.
-        f.enter("txtPIDZone_Manual", QStringLiteral("x9"));
-        QCOMPARE(f.mail(), (Mail{102, address, 0}));
-        QCOMPARE(f.row(address % 40100), QStringLiteral("0"));
-        f.reload();
-        QCOMPARE(f.text("txtPIDZone_Manual"), QStringLiteral("0"));
-    }
-
-    void twoFieldsBeforeOneSendTick()
-    {
-        // One mailbox: the second commit takes the place of the first, and
-        // the image keeps both.
         PageFixture f(2.31, QStringLiteral("Modbus RTU"));
         f.open<frmQM730SYS_PID>();
-        f.enter("txtPIDZone_Manual", QStringLiteral("7"));
-        f.enter("txtT_AT_Gain", QStringLiteral("2.5"));
-        QCOMPARE(f.mail(), (Mail{102, 40396, 250}));
-        QCOMPARE(f.row(295), QStringLiteral("7"));
-        QCOMPARE(f.row(296), QStringLiteral("250"));
+        f.enterAll({{"txtPIDZone_Manual", -1, "7", {102, 40395, 7}}, {"txtT_AT_Gain", -1, "2.5", {102, 40396, 250}}});
+        QCOMPARE(QStringList({f.row(295), f.row(296)}), QStringList({"7", "250"}));
+        f.enterAll({{"txtPIDZone_Manual", -1, "x9", {102, 40395, 0}}});
+        QCOMPARE(f.row(295), QStringLiteral("0"));
+        f.reload();
+        QCOMPARE(f.text("txtPIDZone_Manual"), QStringLiteral("0"));
     }
 
     void theTableOfPidSets()
@@ -105,24 +73,18 @@ private slots:
             f.up(t + 8 * 15 + 1, 1205);  // zone 16, temperature I: 120.5
             f.up(h + 4 * 15 + 3, 10000); // zone 16, humidity O/L: 100.00
             auto *table = f.open<frmQM730SYS_PID_Val>()->findChild<QTableWidget *>(QStringLiteral("sprdPID"));
-            QCOMPARE(table->item(15, 1)->text(), QStringLiteral("120.5"));
-            QCOMPARE(table->item(15, 11)->text(), QStringLiteral("100.00"));
+            QCOMPARE(QStringList({cellText(table, 16, 2), cellText(table, 16, 12)}), QStringList({"120.5", "100.00"}));
             QVERIFY(editCell(table, 16, 12, QStringLiteral("95.5")));
             QCOMPARE(f.mail(), (Mail{102, offset + h + 63, 9550})); // the last row of the PID area
             QVERIFY(editCell(table, 1, 8, QStringLiteral("3.5")));  // zone 1, humidity I
             QCOMPARE(f.mail(), (Mail{102, offset + t + 5, 35}));
             QCOMPARE(f.row(t + 5), QStringLiteral("35"));
-            for (int c = 0; c < 12; ++c)
-                QVERIFY(!table->isColumnHidden(c));
+            QVERIFY(hiddenOf(*table, true).isEmpty());
         }
         // Below 1.8: no output limits, and a narrower table.
         PageFixture f(1.79), wide(1.8);
         auto *table = f.open<frmQM730SYS_PID_Val>()->findChild<QTableWidget *>(QStringLiteral("sprdPID"));
-        QList<int> hidden;
-        for (int c = 0; c < 12; ++c)
-            if (table->isColumnHidden(c))
-                hidden << c + 1;
-        QCOMPARE(hidden, (QList<int>{5, 6, 11, 12}));
+        QCOMPARE(hiddenOf(*table, true), (QList<int>{5, 6, 11, 12}));
         QVERIFY(wide.open<frmQM730SYS_PID_Val>()->findChild<QTableWidget *>(QStringLiteral("sprdPID"))->width() >
                 table->width());
     }
@@ -133,7 +95,7 @@ private slots:
         auto &page = *f.open<frmQM730SYS_PID_Val>();
         const auto hidden = [&](QList<double> temp, QList<double> humi) {
             page.setBoundaries([temp, humi](bool t) { return t ? temp : humi; });
-            return hiddenLines(*child<QTableWidget>(page, "sprdPID"));
+            return hiddenOf(*child<QTableWidget>(page, "sprdPID"));
         };
         QCOMPARE(hidden({0, 50, 100, 150}, {20, 40, 60, 80}), QList<int>());
         // The third falls: temperature zones 2 and 3 go.
@@ -152,7 +114,7 @@ private slots:
         ModalDriver d;
         QList<int> lines;
         d.then([&](QWidget *w) {
-            lines = hiddenLines(*child<QTableWidget>(*w, "sprdPID"));
+            lines = hiddenOf(*child<QTableWidget>(*w, "sprdPID"));
             QVERIFY(f.s.ActiveRefreshTimer != own);
             static_cast<QDialog *>(w)->reject();
         });

@@ -35,20 +35,13 @@ private slots:
             f.up({{40 + i, base[i]}, {34 + i, base[i]}});
         f.open<frmQM730SYS_Sensor_RevisionT>();
         QCOMPARE(f.text("txtAdjustX", 2), QStringLiteral("20"));
-        f.enter("txtAdjustY", 2, QStringLiteral("21.5"));
-        QCOMPARE(f.mail(), (Mail{102, 40136, 2215}));
-        // Not above the point before it: the old text is taken back and written again.
-        f.enter("txtAdjustX", 1, QStringLiteral("-100"));
-        QCOMPARE(f.text("txtAdjustX", 1), QStringLiteral("-40"));
-        QCOMPARE(f.mail(), (Mail{102, 40141, 1600}));
-        f.enter("txtAdjustY", 3, QStringLiteral("140"));
-        QCOMPARE(f.text("txtAdjustY", 3), QStringLiteral("80"));
-        // Outside the bounds: taken back, not clamped.
-        f.enter("txtAdjustY", 5, QStringLiteral("300"));
-        QCOMPARE(f.text("txtAdjustY", 5), QStringLiteral("200"));
-        QCOMPARE(f.mail(), (Mail{102, 40139, 4000}));
-        f.enter("txtAdjustY", 5, QStringLiteral("266.4"));
-        QCOMPARE(f.mail(), (Mail{102, 40139, 4664}));
+        // Not above the point before it, or outside the bounds: the old text
+        // is taken back (not clamped) and written again.
+        f.enterAll({{"txtAdjustY", 2, "21.5", {102, 40136, 2215}},
+                    {"txtAdjustX", 1, "-100", {102, 40141, 1600}, "-40"},
+                    {"txtAdjustY", 3, "140", {102, 40137, 2800}, "80"},
+                    {"txtAdjustY", 5, "300", {102, 40139, 4000}, "200"},
+                    {"txtAdjustY", 5, "266.4", {102, 40139, 4664}}});
     }
 
     void theSensorOffsetFollowsTheType()
@@ -65,32 +58,27 @@ private slots:
         QCOMPARE(f.typeAndLeave("txtOffset", "-120"), QStringLiteral("-100.00"));
     }
 
+    // (The block's requests: tests/link; on the controller in both protocols: tests/integration.)
     void initialiseWritesTheDefaultsAsOneBlock()
     {
-        for (const bool modbus : {false, true}) {
-            PageFixture f(2.31, modbus ? QStringLiteral("Modbus RTU") : QStringLiteral("PC Link"));
-            f.up({{32, 10500}, {40, rev({-90})[0]}});
-            auto &page = *f.open<frmQM730SYS_Sensor_RevisionT>();
-            f.click("btnInit");
-            const QList<int> points = rev({-100, -40, 20, 80, 140, 200});
-            const QList<int> block = QList<int>{10000, 10000} + points + points;
-            QList<int> image;
-            for (int row = 32; row <= 45; ++row)
-                image << f.row(row).toInt();
-            QCOMPARE(image, block);
-            QCOMPARE(f.text("txtAdjustX", 0), QStringLiteral("-100"));
-            QCOMPARE(f.s.CmdIndexEnd, 45);
-            QCOMPARE(f.mail().mid(0, 2), modbus ? (Mail{401, 40132}) : (Mail{400, 32}));
-            if (modbus)
-                QCOMPARE(f.s.WriteBlock, bytes(block));
-            // The line runs straight from corner to corner.
-            const QList<QLineF> segments = page.curve().graph()->segments();
-            QCOMPARE(segments.size(), 5);
-            QCOMPARE(segments.first().p1(), QPointF(0, 0));
-            QCOMPARE(segments.last().p2(), QPointF(RevisionGraph::Side, RevisionGraph::Side));
-            for (const QLineF &l : segments)
-                QCOMPARE(l.dx(), l.dy());
-        }
+        PageFixture f;
+        f.up({{32, 10500}, {40, rev({-90})[0]}});
+        auto &page = *f.open<frmQM730SYS_Sensor_RevisionT>();
+        f.click("btnInit");
+        const QList<int> points = rev({-100, -40, 20, 80, 140, 200});
+        QList<int> image;
+        for (int row = 32; row <= 45; ++row)
+            image << f.row(row).toInt();
+        QCOMPARE(image, (QList<int>{10000, 10000} + points + points));
+        QCOMPARE(f.text("txtAdjustX", 0), QStringLiteral("-100"));
+        QCOMPARE(f.mail().mid(0, 2), (Mail{400, 32}));
+        // The line runs straight from corner to corner.
+        const QList<QLineF> segments = page.curve().graph()->segments();
+        QCOMPARE(segments.size(), 5);
+        QCOMPARE(segments.first().p1(), QPointF(0, 0));
+        QCOMPARE(segments.last().p2(), QPointF(RevisionGraph::Side, RevisionGraph::Side));
+        for (const QLineF &l : segments)
+            QCOMPARE(l.dx(), l.dy());
     }
 
     void theLegacyOffsetFollowsTheBlock()

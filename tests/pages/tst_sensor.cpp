@@ -25,8 +25,7 @@ private slots:
         QCOMPARE(f.text("txtInputRange1", 1), QStringLiteral("5.00"));
         QCOMPARE(f.label("lblInput_Unit1"), QStringLiteral("[V]"));
         QVERIFY(f.field("txtScale1", 1)->isEnabled());
-        f.enter("txtInputRange1", 1, QStringLiteral("4"));
-        QCOMPARE(f.mail(), (Mail{102, 30, 400}));
+        f.enterAll({{"txtInputRange1", 1, "4", {102, 30, 400}}});
 
         // No humidity sensor: no ranges.
         f.up(46, 0);
@@ -59,16 +58,10 @@ private slots:
         f.up({{24, 1}, {32, 10250}, {46, 2}}); // RTD offset 2.50
         f.open<frmQM730SYS_Sensor>();
         QCOMPARE(f.text("txtBias1"), QStringLiteral("2.50"));
-        f.enter("txtBias1", QStringLiteral("1.5"));
-        QCOMPARE(f.mail(), (Mail{102, 34, 10150}));
-        QCOMPARE(f.row(34), QStringLiteral("10150"));
-        QCOMPARE(f.row(32), QStringLiteral("10250"));
-        f.enter("txtBias2", QStringLiteral("-1"));
-        QCOMPARE(f.mail(), (Mail{102, 48, 9900}));
+        f.enterAll({{"txtBias1", -1, "1.5", {102, 34, 10150}}, {"txtBias2", -1, "-1", {102, 48, 9900}}});
+        QCOMPARE(QStringList({f.row(34), f.row(32)}), QStringList({"10150", "10250"}));
         f.click("btnSensorType1", 2);
-        f.enter("txtBias1", QStringLiteral("-150"));
-        QCOMPARE(f.text("txtBias1"), QStringLiteral("-100.00"));
-        QCOMPARE(f.mail(), (Mail{102, 35, 0}));
+        f.enterAll({{"txtBias1", -1, "-150", {102, 35, 0}, "-100.00"}});
     }
 
     void theFilterIsClampedWhenConfirmed()
@@ -79,8 +72,7 @@ private slots:
         QTest::keyClick(f.field("txtLPF1"), Qt::Key_Return);
         QCOMPARE(f.text("txtLPF1"), QStringLiteral("2"));
         QCOMPARE(f.mail(), (Mail{102, 25, 2}));
-        f.enter("txtLPF2", QStringLiteral("181"));
-        QCOMPARE(f.mail(), (Mail{102, 47, 180}));
+        f.enterAll({{"txtLPF2", -1, "181", {102, 47, 180}}});
     }
 
     void wetBulbResetAndResolution()
@@ -105,10 +97,9 @@ private slots:
             PageFixture f(v);
             f.open<frmQM730SYS_Sensor>();
             const bool revision = v >= 2.09;
-            QCOMPARE(f.button("btnAdjustT")->isVisible(), revision);
-            QCOMPARE(f.button("btnAdjustH")->isVisible(), revision);
-            QCOMPARE(f.label("Label4") == QStringLiteral("感測器偏差"), revision);
-            QCOMPARE(f.label("Label13") == QStringLiteral("感測器偏差"), revision);
+            QCOMPARE(QList<bool>({f.button("btnAdjustT")->isVisible(), f.button("btnAdjustH")->isVisible(),
+                                  f.label("Label4") == QStringLiteral("感測器偏差"), f.label("Label13") == QStringLiteral("感測器偏差")}),
+                     QList<bool>(4, revision));
             QCOMPARE(f.button("btnSensorType2", 0)->isVisible(), v >= 2.2);
         }
         // The adjust buttons open the curves of their input.

@@ -23,11 +23,10 @@ private slots:
     void aDoCellWritesTheRowOfItsLineAndColumn_data()
     {
         QTest::addColumn<DoCase>("c");
-        // Relay rows hold 0x0305 before the edit: relay 5, O/C 3.
+        // Relay rows hold 0x0305 before the edit: relay 5, O/C 3. (An O/C and
+        // a soak value against the simulator: tests/integration.)
         QTest::newRow("relay of I/S 1") << DoCase{2.31, "PC Link", 1, 1, "9", 121, 0x0309, "9"};
-        QTest::newRow("O/C of I/S 1, Modbus") << DoCase{2.31, "Modbus RTU", 1, 2, "7", 40221, 0x0705, "7"};
         QTest::newRow("relay cut to a byte") << DoCase{2.31, "Modbus RTU", 22, 1, "300", 40237, 0x03FF, "255"};
-        QTest::newRow("Temp.SOAK, opposite sign") << DoCase{2.31, "PC Link", 42, 3, "10", 158, 65436, "10.0"};
         QTest::newRow("Temp.UP below 2.4") << DoCase{2.31, "PC Link", 41, 3, "25", 156, 3250, "25.0"};
         QTest::newRow("Temp.UP from 2.4") << DoCase{2.4, "Modbus RTU", 41, 3, "25", 40256, 250, "25.0"};
         QTest::newRow("Humi.UP below 2.4") << DoCase{2.31, "PC Link", 44, 3, "25", 162, 1250, "25.0"};
@@ -91,9 +90,8 @@ private slots:
 
     void theAlarmValueFollowsTheFirmware_data()
     {
+        // (2.31: theAlarmTypeComesFromTheChooser.)
         QTest::addColumn<Layout>("c");
-        QTest::newRow("2.31") << Layout{2.31, "PC Link", 107, 3250};
-        QTest::newRow("2.31, Modbus") << Layout{2.31, "Modbus RTU", 40207, 3250};
         QTest::newRow("2.3") << Layout{2.3, "PC Link", 107, 32500};
         QTest::newRow("legacy") << Layout{2.09, "Modbus RTU", 90, 32500};
     }

@@ -1,5 +1,6 @@
 #pragma once
 #include "ConsoleState.h"
+#include "ModalDriver.h"
 #include "ProgramImage.h"
 #include "ScreenBench.h"
 #include "TableTyping.h"
@@ -46,6 +47,8 @@ struct ProgramBench {
         return {state.ReqCmd, state.ReqIndex, (quint8(state.ReqData[0]) << 8) | quint8(state.ReqData[1])};
     }
     void clearMailbox() { state.ReqCmd = state.ReqIndex = 0; }
+    qint64 word(int pattern, int w) const { return patternWord(state.image, pattern, w); }
+    qint64 seg(int pattern, int segment, int w) const { return segmentWord(state.image, pattern, segment, w); }
     // Typed into an entry box and confirmed with Enter.
     static void enter(QLineEdit *e, const QString &text)
     {
@@ -55,3 +58,12 @@ struct ProgramBench {
         QTest::keyClick(e, Qt::Key_Return);
     }
 };
+
+inline QString cell(const QTableWidget *t, int row, int col) { return t->item(row, col)->text(); }
+inline bool green(const QTableWidget *t, int row, int col) { return t->item(row, col)->background().color() == QColor(0, 255, 0); }
+// Waits a moment: true when no modal window came up that had no answer.
+inline bool nothingAsked(const ModalDriver &d)
+{
+    QTest::qWait(30);
+    return d.unexpected.isEmpty();
+}

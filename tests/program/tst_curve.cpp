@@ -21,18 +21,32 @@ class CurveTest : public QObject {
     }
 
 private slots:
-    void startValuesAndSegmentsFillTheList()
+    // The list from the start values and segments, and the chart drawn from it.
+    void theListAndTheChart()
     {
         ProgramBench b;
         knownPattern(b, 0);
         TextTable list;
         ComputeCurvePoints(b.state, 4, list);
         QCOMPARE(list.rowCount(), 3);
-        QCOMPARE(QStringList({list.text(3, 0), list.text(4, 0)}), QStringList({"25.0", "60.0"}));
+        QCOMPARE(QStringList({list.text(3, 0), list.text(4, 0), list.text(3, 1)}), QStringList({"25.0", "60.0", "85.00"}));
         QCOMPARE(QStringList({list.text(2, 3), list.text(3, 3), list.text(4, 3), list.text(5, 3)}),
                  QStringList({"3", "-10.50", "0.0", "75"}));
-        QCOMPARE(list.text(3, 1), QStringLiteral("85.00"));
 
+        ProgramCurve curve(QStringLiteral("溫度SV"), QStringLiteral("濕度SV"));
+        QVERIFY(curve.isCleared());
+        curve.DrawCurve(list);
+        QVERIFY(!curve.isCleared());
+        QCOMPARE(curve.series(0)->points(), QList<QPointF>({{0, 25.0}, {30, 85.0}, {90, 85.0}, {165, -10.5}}));
+        QCOMPARE(curve.series(1)->points(), QList<QPointF>({{0, 60.0}, {30, 85.0}, {90, 85.0}, {165, 0.0}}));
+        // Each series on its own value axis, the whole time and the coldest point in view.
+        QVERIFY(curve.series(0)->attachedAxes().contains(curve.temperatureAxis())
+                && curve.series(1)->attachedAxes().contains(curve.humidityAxis()));
+        QVERIFY(curve.timeAxis()->max() >= 165 && curve.temperatureAxis()->min() <= -10.5);
+        curve.set3D(true);
+        QCOMPARE(curve.series(0)->count(), 4); // depth touches no data
+        curve.ClearCurve();
+        QVERIFY(curve.isCleared() && curve.series(0)->points().isEmpty() && curve.series(1)->points().isEmpty());
     }
 
     void measuredStartTakesTheForegroundMachinesLiveValues()
@@ -86,34 +100,7 @@ private slots:
         ComputeCurvePoints(b.state, 7, list);
         const QVector<CurvePoint> p = curvePoints(list);
         QCOMPARE(p.size(), 3);
-        QCOMPARE(p[1].minutes, 0.0);
-        QCOMPARE(p[2].minutes, 0.0);
-        QCOMPARE(p[2].temperature, 40.0);
-    }
-
-    // Ramp, soak and ramp down, worked out by hand.
-    void theChartGetsBothSeriesAndClears()
-    {
-        ProgramBench b;
-        knownPattern(b, 0);
-        TextTable list;
-        ComputeCurvePoints(b.state, 4, list);
-        ProgramCurve curve(QStringLiteral("溫度SV"), QStringLiteral("濕度SV"));
-        QVERIFY(curve.isCleared());
-        curve.DrawCurve(list);
-        QVERIFY(!curve.isCleared());
-        QCOMPARE(curve.series(0)->points(), QList<QPointF>({{0, 25.0}, {30, 85.0}, {90, 85.0}, {165, -10.5}}));
-        QCOMPARE(curve.series(1)->points(), QList<QPointF>({{0, 60.0}, {30, 85.0}, {90, 85.0}, {165, 0.0}}));
-        // Each series on its own value axis, the whole time and the coldest point in view.
-        QVERIFY(curve.series(0)->attachedAxes().contains(curve.temperatureAxis()));
-        QVERIFY(curve.series(1)->attachedAxes().contains(curve.humidityAxis()));
-        QVERIFY(curve.timeAxis()->max() >= 165);
-        QVERIFY(curve.temperatureAxis()->min() <= -10.5);
-        curve.set3D(true);
-        QCOMPARE(curve.series(0)->count(), 4); // depth touches no data
-        curve.ClearCurve();
-        QVERIFY(curve.isCleared());
-        QVERIFY(curve.series(0)->points().isEmpty() && curve.series(1)->points().isEmpty());
+        QCOMPARE(QList<double>({p[1].minutes, p[2].minutes, p[2].temperature}), QList<double>({0, 0, 40}));
     }
 };
 

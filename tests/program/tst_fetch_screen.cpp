@@ -10,15 +10,6 @@
 #include <QRegularExpression>
 #include <QtTest>
 
-namespace {
-
-BulkProgress fetchProgress(BulkTable table, int done, int total, bool failed = false)
-{
-    return BulkProgress{BulkJob::ProgramFetch, table, done, total, false, failed};
-}
-
-} // namespace
-
 class FetchScreenTest : public QObject {
     Q_OBJECT
 private slots:
@@ -43,7 +34,6 @@ private slots:
         {
             frmQM730_PTN_Recv screen(b.bench.ctx);
             QCOMPARE(QList<int>({b.state.ReqCmd, b.state.ReqIndex, b.state.CmdIndexEnd}), QList<int>({nameCode, 15, 111}));
-            QCOMPARE(b.state.BulkFormName, QStringLiteral("frmQM730_PTN_Recv"));
             // What was read stays; the row about to be read is emptied.
             QCOMPARE(img.sprdTD.text(1, 13), QStringLiteral("已讀"));
             QVERIFY(img.sprdTD.isEmpty(1, 15));
@@ -63,31 +53,21 @@ private slots:
         }
     }
 
-    void everythingLoadedEndsAtOnceAndAsksNothing()
-    {
-        ProgramBench b;
-        b.loadAll();
-        writeTextLinesAtomic(b.home.path() + QStringLiteral("/WChkTime.INI"), {QStringLiteral("1")});
-        frmQM730_PTN_Recv screen(b.bench.ctx);
-        QCOMPARE(b.state.ReqCmd, 0);
-        QCOMPARE(screen.message(), frmQM730_PTN_Recv::Done);
-        QCOMPARE(screen.exec(), int(QDialog::Accepted));
-        QVERIFY(!b.state.ReceptionStopped);
-        QVERIFY(!QFile::exists(b.home.path() + QStringLiteral("/PTN_PASS.TM"))); // nothing was read
-    }
-
     void progressIsWordedAndTheEndClosesTheScreen()
     {
         ProgramBench b;
         frmQM730_PTN_Recv screen(b.bench.ctx);
         screen.show();
         CommLink &link = b.bench.link;
-        emit link.bulkProgress(fetchProgress(BulkTable::Texts, 3, 100));
+        auto report = [&](BulkTable t, int done, bool failed = false) {
+            emit link.bulkProgress(BulkProgress{BulkJob::ProgramFetch, t, done, 100, false, failed});
+        };
+        report(BulkTable::Texts, 3);
         QCOMPARE(screen.message(), QStringLiteral("程式組名稱 接收中... [3/100]"));
-        emit link.bulkProgress(fetchProgress(BulkTable::Patterns, 42, 100));
+        report(BulkTable::Patterns, 42);
         QCOMPARE(screen.message(), QStringLiteral("程式組資料 接收中... [42/100]"));
         // A silent machine leaves the line standing; another job's news is not this screen's.
-        emit link.bulkProgress(fetchProgress(BulkTable::Patterns, 42, 100, true));
+        report(BulkTable::Patterns, 42, true);
         emit link.bulkProgress(BulkProgress{BulkJob::ParameterReceive, BulkTable::Texts, 1, 111});
         emit link.bulkFinished(BulkJob::ParameterReceive);
         QTest::qWait(50);
@@ -120,6 +100,8 @@ private slots:
         }
     }
 
+    // The note of the fetch's timing is written only when WChkTime.INI says 1,
+    // and only when something was read.
     void timingNoteOnlyWhenAskedFor()
     {
         ProgramBench b;
@@ -144,6 +126,17 @@ private slots:
         static const QRegularExpression form(
             QStringLiteral("^BAUD:38400\\tSTART:\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\tEND:\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d$"));
         QVERIFY2(form.match(lines->first()).hasMatch(), qPrintable(lines->first()));
+
+        // Everything loaded: the screen asks nothing, ends at once, writes no note.
+        QFile::remove(note);
+        b.loadAll();
+        b.clearMailbox();
+        frmQM730_PTN_Recv screen(b.bench.ctx);
+        QCOMPARE(b.state.ReqCmd, 0);
+        QCOMPARE(screen.message(), frmQM730_PTN_Recv::Done);
+        QCOMPARE(screen.exec(), int(QDialog::Accepted));
+        QVERIFY(!b.state.ReceptionStopped);
+        QVERIFY(!QFile::exists(note));
     }
 };
 
