@@ -125,26 +125,10 @@ private slots:
         QCOMPARE(one.next_slot(0), 0);
     }
 
-    void pollingStartsAtTheFirstOnlineSlot()
-    {
-        LinkHarness h;
-        h.state->setMachines({{1}, {2}});
-        FakeLine line;
-        line.firmware[2] = QStringLiteral("2.31"); // machine 1 stays silent
-        connectTo(h, line);
-        QTRY_VERIFY(commands(line).contains("RRP"));
-        const QByteArray firstPoll = line.seen[commands(line).indexOf("RRP")];
-        QCOMPARE(firstPoll.mid(1, 3), QByteArray("002"));
-        // Machine 1 was asked only in the scan: three WHO frames, nothing after them.
-        QByteArrayList toOne;
-        for (const QByteArray &f : line.seen)
-            if (f.mid(1, 3) == "001")
-                toOne << f.mid(4, 3);
-        QCOMPARE(toOne, QByteArrayList({"WHO", "WHO", "WHO"}));
-        QCOMPARE(h.state->CurrentMachine, 2);
-    }
-
-    void programImageFollowsTheForegroundMachine()
+    // The first machine to answer comes to the foreground: the same one again
+    // keeps its programs loaded, another starts without them. Polling starts
+    // at the first online slot; a silent machine is asked only in the scan.
+    void foregroundMachineAndFirstPoll()
     {
         LinkHarness h;
         h.state->setMachines({{1}, {2}});
@@ -158,15 +142,22 @@ private slots:
         connectTo(h, line);
         QCOMPARE(h.state->CurrentMachine, 1);
         img.PatternLoaded[4] = img.PatternNameLoaded[0] = true;
-        // The same machine answers first again: its programs stay loaded.
         reopen();
         QCOMPARE(h.state->CurrentMachine, 1);
         QVERIFY(img.PatternLoaded[4] && img.PatternNameLoaded[0]);
-        // Machine 1 is gone: machine 2 comes to the foreground with no program loaded.
-        line.firmware.remove(1);
+
+        line.firmware.remove(1); // machine 1 stays silent
+        line.seen.clear();
         reopen();
         QCOMPARE(h.state->CurrentMachine, 2);
         QVERIFY(!img.PatternLoaded[4] && !img.PatternNameLoaded[0]);
+        QTRY_VERIFY(commands(line).contains("RRP"));
+        QCOMPARE(line.seen[commands(line).indexOf("RRP")].mid(1, 3), QByteArray("002"));
+        QByteArrayList toOne; // three WHO frames, nothing after them
+        for (const QByteArray &f : line.seen)
+            if (f.mid(1, 3) == "001")
+                toOne << f.mid(4, 3);
+        QCOMPARE(toOne, QByteArrayList({"WHO", "WHO", "WHO"}));
     }
 
     // The end of a text-row write's read-back repaints the open screen; a
