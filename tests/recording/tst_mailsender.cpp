@@ -95,7 +95,7 @@ private slots:
         sink.waitForFinished();
     }
 
-    void deliversEveryRowAndEmptiesTheQueue()
+    void deliversEveryRowOnceAndEmptiesTheQueue()
     {
         const int port = startSink("accept");
         QVERIFY2(port > 0, "the loopback SMTP server did not start");
@@ -119,13 +119,8 @@ private slots:
         // Nothing waiting: nothing to do, still a success.
         QCOMPARE(runSender(), 0);
         QCOMPARE(received().size(), 2);
-    }
 
-    void twoCopiesSendEachRowOnce()
-    {
-        const int port = startSink("accept");
-        QVERIFY(port > 0);
-        setMail(port, ";a@example.com");
+        // Two copies at once send each row once.
         for (int i = 1; i <= 6; ++i)
             queue(QString("mail %1").arg(i));
         QProcess copies[2];
@@ -136,7 +131,7 @@ private slots:
             QCOMPARE(p.exitCode(), 0);
         }
         QStringList bodies;
-        for (const auto &m : received())
+        for (const auto &m : received().mid(2))
             bodies << text(m, "body");
         QCOMPARE(bodies, (QStringList{"mail 1", "mail 2", "mail 3", "mail 4", "mail 5", "mail 6"}));
         QVERIFY(waitingBodies().isEmpty());
