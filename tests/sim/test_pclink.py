@@ -19,8 +19,8 @@ RCV_SIZES = [2] * 12 + [1, 2, 1, 1, 2, 1, 2, 1, 2, 1, 2, 2, 1, 1, 1]
 class Replies(SimCase):
     options = ("--machines", "1,12:2.09,7:1.80", "--seed", "0", "--speed", "0", "--no-pace")
 
-    def ask(self, frame, length=None, crc=False, timeout=3.0):
-        reply = super().ask(frame, length, crc, timeout)
+    def ask(self, frame, length=None, timeout=3.0):
+        reply = super().ask(frame, length, timeout)
         self.assertEqual(reply[-3:], b"\x03\r\n")
         return reply
 
