@@ -82,8 +82,10 @@ private slots:
 
     void signedSoakWords()
     {
-        QCOMPARE(QList<int>({::wordFromValue(Encoding::NEG10, 10), ::wordFromValue(Encoding::NEG10, -5000)}), QList<int>({65436, 32767}));
-        QCOMPARE(QList<double>({valueFromWord(Encoding::NEG10, 65436), valueFromWord(Encoding::NEG10, -100)}), QList<double>({10.0, 10.0}));
+        QCOMPARE(QList<int>({::wordFromValue(Encoding::NEG10, 10), ::wordFromValue(Encoding::NEG10, -5000)}),
+                 QList<int>({65436, 32767}));
+        QCOMPARE(QList<double>({valueFromWord(Encoding::NEG10, 65436), valueFromWord(Encoding::NEG10, -100)}),
+                 QList<double>({10.0, 10.0}));
         QCOMPARE(formatWord(Encoding::NEG10, 65436, 2), QStringLiteral("10.0"));
     }
 

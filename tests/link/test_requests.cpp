@@ -182,7 +182,8 @@ private slots:
                     const QString where = QStringLiteral("%1, %2, %3 layout").arg(QLatin1String(c.what),
                                               modbus ? "Modbus RTU" : "PC Link", legacy ? "legacy" : "current");
                     QVERIFY2(QList<int>({s->ReqCmd, s->ReqIndex, mailWord(*s)}) == QList<int>({e.code, e.index, e.word}),
-                             qPrintable(QStringLiteral("%1: got %2/%3/%4").arg(where).arg(s->ReqCmd).arg(s->ReqIndex).arg(mailWord(*s))));
+                             qPrintable(QStringLiteral("%1: got %2/%3/%4").arg(where).arg(s->ReqCmd).arg(s->ReqIndex)
+                                            .arg(mailWord(*s))));
                     if (c.check)
                         c.check(*s, modbus, legacy);
                     if (QTest::currentTestFailed())

@@ -113,7 +113,9 @@ private slots:
         QCOMPARE(QList<int>({s.next_slot(0), s.next_slot(1), s.next_slot(2)}), QList<int>({1, 2, 0}));
         // next_online_slot(start) looks from slot `start` on, 0 when none is
         // online; past the end of the list it starts over.
-        auto online = [&s] { return QList<int>({s.next_online_slot(0), s.next_online_slot(1), s.next_online_slot(2), s.next_online_slot(3)}); };
+        auto online = [&s] {
+            return QList<int>({s.next_online_slot(0), s.next_online_slot(1), s.next_online_slot(2), s.next_online_slot(3)});
+        };
         QCOMPARE(online(), QList<int>({0, 0, 0, 0}));
         s.sprdStatus.setText(2, 2, QStringLiteral("良好"));
         s.sprdStatus.setText(2, 3, QStringLiteral("不良"));
