@@ -5,18 +5,13 @@
 class TestDictionary : public QObject {
     Q_OBJECT
 private slots:
-    void tableCoversEveryParam()
+    void tableAndFirmwareThresholds()
     {
         const auto &all = allParams();
         QCOMPARE(all.size(), int(Param::btnHPV_HOLD) + 1);
         for (int i = 0; i < all.size(); ++i)
             QCOMPARE(int(all[i].param), i);
-    }
-
-    void firmwareThresholds()
-    {
-        QVERIFY(IsCurrentLayout(2.2));
-        QVERIFY(!IsCurrentLayout(2.19));
+        QVERIFY(IsCurrentLayout(2.2) && !IsCurrentLayout(2.19));
         for (const auto &[version, rows] : {std::pair{2.2, 512}, {2.19, 492}, {2.09, 492}, {2.08, 456}, {1.81, 456}, {1.80, 392}})
             QCOMPARE(ControllerImage::upRowsFor(version), rows);
     }
@@ -81,36 +76,34 @@ private slots:
     void encodingsByVersion()
     {
         const auto word = [](ParamRef p, double v, double value) { return int(wordFromValue(encodingOf(p, v), value)); };
-        QCOMPARE(word({Param::sprdSystem_SV, 1}, 2.31, 25.0), 3250);
-        QCOMPARE(word({Param::sprdSystem_SV, 1}, 2.3, 25.0), 32500);
-        QCOMPARE(word({Param::InnerSignal, 1, IsHigh}, 2.3, 25.0), 12500);
-        QCOMPARE(word({Param::InnerSignal, 1, IsHigh}, 2.31, 25.0), 1250);
-        QCOMPARE(word({Param::sprdDO2_Value, 42}, 2.4, 10), 65436);
-        QCOMPARE(word({Param::sprdDO2_Value, 41}, 2.39, 10), 3100);
-        QCOMPARE(word({Param::sprdDO2_Value, 41}, 2.4, 10), 100);
-        QCOMPARE(encodingOf(Param::txtT_Lu, 1, 2.3), Encoding::X100);
-        QCOMPARE(encodingOf(Param::txtT_Lu, 1, 2.31), Encoding::X10);
-        QCOMPARE(encodingOf(Param::sprdPID, 1, 2, 2.3), Encoding::X10);
-        QCOMPARE(encodingOf(Param::sprdPID, 1, 11, 2.3), Encoding::X100);
-        QCOMPARE(encodingOf(Param::txtTempZone, 1, 2.3), Encoding::TZ);
+        QCOMPARE(QList<int>({word({Param::sprdSystem_SV, 1}, 2.31, 25.0), word({Param::sprdSystem_SV, 1}, 2.3, 25.0),
+                             word({Param::InnerSignal, 1, IsHigh}, 2.3, 25.0), word({Param::InnerSignal, 1, IsHigh}, 2.31, 25.0),
+                             word({Param::sprdDO2_Value, 42}, 2.4, 10), word({Param::sprdDO2_Value, 41}, 2.39, 10),
+                             word({Param::sprdDO2_Value, 41}, 2.4, 10)}),
+                 QList<int>({3250, 32500, 12500, 1250, 65436, 3100, 100}));
+        QCOMPARE(QList<Encoding>({encodingOf(Param::txtT_Lu, 1, 2.3), encodingOf(Param::txtT_Lu, 1, 2.31),
+                                  encodingOf(Param::sprdPID, 1, 2, 2.3), encodingOf(Param::sprdPID, 1, 11, 2.3),
+                                  encodingOf(Param::txtTempZone, 1, 2.3)}),
+                 QList<Encoding>({Encoding::X100, Encoding::X10, Encoding::X10, Encoding::X100, Encoding::TZ}));
     }
 
     // The addresses the request table (tests/link) does not already show.
     void wireAddresses()
     {
-        QCOMPARE(WireAddress(295, true, true), 40395);
-        QCOMPARE(WireAddress(75, true, false), 75);
-        QCOMPARE(ParamWireAddress(ParamRef(Param::sprdDO2_Relay, 22), 2.2, true), 40237);
-        QCOMPARE(ParamWireAddress(Param::btnOper_Lock, 2.3, true), 40700);
-        QCOMPARE(ParamWireAddress(Param::btnTouch_Lock, 2.1, false), 10);
-        QCOMPARE(ParamWireAddress(Param::txtT_MSV, 2.1, true), 0);
-        // Written on purpose to the plain row, or the legacy row whatever the firmware.
-        QCOMPARE(ParamWireAddress(Param::txtTempOutPeriod, 2.31, true, RowAddressing::PlainRow), 73);
-        QCOMPARE(ParamWireAddress(Param::txtTempOutPeriod, 2.1, true, RowAddressing::PlainRow), 55);
-        QCOMPARE(ParamWireAddress(Param::txtTempOutBias, 2.31, true, RowAddressing::LegacyRow), 249);
-        QCOMPARE(WriteRowOf({Param::txtAdjustX_T, 1}, 2.31, RowAddressing::LegacyRow), 463);
-        QCOMPARE(WriteRowOf({Param::txtAdjustX_T, 1}, 2.08, RowAddressing::LegacyRow), 0); // beyond 456 rows
-        QCOMPARE(WriteRowOf(Param::txtTempOutBias, 2.31, RowAddressing::Normal), 81);
+        QCOMPARE(QList<int>({WireAddress(295, true, true), WireAddress(75, true, false),
+                             ParamWireAddress(ParamRef(Param::sprdDO2_Relay, 22), 2.2, true),
+                             ParamWireAddress(Param::btnOper_Lock, 2.3, true), ParamWireAddress(Param::btnTouch_Lock, 2.1, false),
+                             ParamWireAddress(Param::txtT_MSV, 2.1, true)}),
+                 QList<int>({40395, 75, 40237, 40700, 10, 0}));
+        // Written on purpose to the plain row, or the legacy row whatever the
+        // firmware (none beyond 2.08's 456 rows).
+        QCOMPARE(QList<int>({ParamWireAddress(Param::txtTempOutPeriod, 2.31, true, RowAddressing::PlainRow),
+                             ParamWireAddress(Param::txtTempOutPeriod, 2.1, true, RowAddressing::PlainRow),
+                             ParamWireAddress(Param::txtTempOutBias, 2.31, true, RowAddressing::LegacyRow),
+                             WriteRowOf({Param::txtAdjustX_T, 1}, 2.31, RowAddressing::LegacyRow),
+                             WriteRowOf({Param::txtAdjustX_T, 1}, 2.08, RowAddressing::LegacyRow),
+                             WriteRowOf(Param::txtTempOutBias, 2.31, RowAddressing::Normal)}),
+                 QList<int>({73, 55, 249, 463, 0, 81}));
     }
 
     void boundsOfEachField()
@@ -147,15 +140,14 @@ private slots:
         ControllerImage image;
         image.applyFirmware(2.31);
         image.setTempDecimals(1);
-        QVERIFY(WriteRowText(image, 28, QStringLiteral("12550")));
+        QVERIFY(WriteRowText(image, 28, QStringLiteral("12550")) && WriteRowText(image, 107, QStringLiteral("3250")));
         QCOMPARE(ReadRow(image, 28), QStringLiteral("12550"));
         QCOMPARE(ReadRowNumber(image, 28), 12550);
-        QCOMPARE(ParamText(image, ParamRef(Param::txtScale1, 1)), QStringLiteral("25.5"));
-        QCOMPARE(ParamText(image, ParamRef(Param::txtScale1, 0)), QString()); // not read yet
-        QVERIFY(WriteRowText(image, 107, QStringLiteral("3250")));
-        QCOMPARE(ParamText(image, ParamRef(Param::sprdSystem_SV, 1)), QStringLiteral("25.0"));
-        QVERIFY(!WriteRowText(image, 513, QStringLiteral("1")));
-        QVERIFY(!WriteRowText(image, 0, QStringLiteral("1")));
+        // Texts in the field's encoding; a field not read yet is empty.
+        QCOMPARE(QStringList({ParamText(image, ParamRef(Param::txtScale1, 1)), ParamText(image, ParamRef(Param::txtScale1, 0)),
+                              ParamText(image, ParamRef(Param::sprdSystem_SV, 1))}),
+                 QStringList({"25.5", "", "25.0"}));
+        QVERIFY(!WriteRowText(image, 513, QStringLiteral("1")) && !WriteRowText(image, 0, QStringLiteral("1")));
         image.applyFirmware(2.1);
         QVERIFY(!WriteRowText(image, 493, QStringLiteral("1")));
         QCOMPARE(ReadRow(image, 493), QString());

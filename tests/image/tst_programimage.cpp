@@ -11,16 +11,14 @@ class TestProgramImage : public QObject {
 private slots:
     void scaling()
     {
-        QCOMPARE(programText(ProgramValue::AlarmSV, 30000, 2.3), QStringLiteral("0.00"));
-        QCOMPARE(programText(ProgramValue::AlarmSV, 30000, 2.31), QStringLiteral("2700.0"));
-        QCOMPARE(programText(ProgramValue::AlarmSV, 32550, 2.3, true), QStringLiteral("25.5"));
-        QCOMPARE(int(programWord(ProgramValue::AlarmSV, -100, 2.3)), 20000);
-        QCOMPARE(int(programWord(ProgramValue::AlarmSV, -100, 2.31)), 2000);
-        QCOMPARE(int(programWordFromText(ProgramValue::SegTempSV, u"25.5", 2.3)), 12550);
-        QCOMPARE(programText(ProgramValue::SegTempSV, 12550, 2.3), QStringLiteral("25.50"));
-        QCOMPARE(int(programWord(ProgramValue::StartTemp, -100, 2.3)), 0);
-        QCOMPARE(programText(ProgramValue::StartTemp, 1250, 2.3), QStringLiteral("25.0"));
-        QCOMPARE(int(programWord(ProgramValue::SegHumiSV, 60, 2.3)), 600);
+        QCOMPARE(QStringList({programText(ProgramValue::AlarmSV, 30000, 2.3), programText(ProgramValue::AlarmSV, 30000, 2.31),
+                              programText(ProgramValue::AlarmSV, 32550, 2.3, true), programText(ProgramValue::SegTempSV, 12550, 2.3),
+                              programText(ProgramValue::StartTemp, 1250, 2.3)}),
+                 QStringList({"0.00", "2700.0", "25.5", "25.50", "25.0"}));
+        QCOMPARE(QList<int>({programWord(ProgramValue::AlarmSV, -100, 2.3), programWord(ProgramValue::AlarmSV, -100, 2.31),
+                             programWordFromText(ProgramValue::SegTempSV, u"25.5", 2.3),
+                             programWord(ProgramValue::StartTemp, -100, 2.3), programWord(ProgramValue::SegHumiSV, 60, 2.3)}),
+                 QList<int>({20000, 2000, 12550, 0, 600}));
         QCOMPARE(programValue(ProgramValue::WaitBand, 25, 2.3), 2.5);
         QCOMPARE(int(packHoursMinutes(10, 30)), 0x0A1E);
     }
@@ -28,16 +26,14 @@ private slots:
     void segmentCells()
     {
         ControllerImage image;
-        QVERIFY(setSegmentWord(image, 300, 100, Sd::TsTime2(8), 7));
-        QCOMPARE(image.sprdSD.text(2900, 300), QStringLiteral("7"));
-        QVERIFY(setSegmentWord(image, 5, 2, Sd::SegTempSV, 9));
-        QCOMPARE(image.sprdSD.text(30, 5), QStringLiteral("9"));
+        QVERIFY(setSegmentWord(image, 300, 100, Sd::TsTime2(8), 7) && setSegmentWord(image, 5, 2, Sd::SegTempSV, 9)
+                && setPatternWord(image, 2, Pd::AlarmHyst(4), 15));
+        QCOMPARE(QStringList({image.sprdSD.text(2900, 300), image.sprdSD.text(30, 5), image.sprdPD.text(81, 2)}),
+                 QStringList({"7", "9", "15"}));
         QCOMPARE(segmentWord(image, 5, 2, Sd::SegTempSV), 9);
         QVERIFY(!setSegmentWord(image, 5, 101, 1, 1));
         QVERIFY(!setSegmentWord(image, 5, 1, 30, 1));
         QVERIFY(!setPatternWord(image, 301, 1, 1));
-        QVERIFY(setPatternWord(image, 2, Pd::AlarmHyst(4), 15));
-        QCOMPARE(image.sprdPD.text(81, 2), QStringLiteral("15"));
     }
 
     void nextUnloadedRow()
@@ -132,10 +128,9 @@ private slots:
 
     void ptnRecvOptFallsBackToTheController()
     {
+        // (Missing, 0 and 1 written and read back: tst_mainwindow, patternSource.)
         QTemporaryDir home;
-        QCOMPARE(readPtnRecvOpt(home.path()), 0); // missing
         QVERIFY(writePtnRecvOpt(home.path(), 1));
-        QCOMPARE(readPtnRecvOpt(home.path()), 1);
         QVERIFY(!writePtnRecvOpt(home.path(), 2));
         QCOMPARE(readPtnRecvOpt(home.path()), 1);
         for (const auto &[bytes, option] : {std::pair<QByteArray, int>{"2\r\n", 0}, {"-1\r\n", 0}, {"", 0},
@@ -176,11 +171,10 @@ private slots:
 
     void textRowDecoding()
     {
-        QCOMPARE(tdBytesToText(QByteArray::fromHex("b57ba6a100bad9")), QStringLiteral("程式"));
-        QCOMPARE(tdBytesToText(QByteArray::fromHex("4142b5")), QStringLiteral("AB"));
-        QCOMPARE(tdBytesToText(QByteArray::fromHex("4142b500")), QStringLiteral("AB"));
-        QCOMPARE(tdBytesToText(QByteArray(29, '\0')), QString());
-        QCOMPARE(tdBytesToText(tdTextToBytes(QStringLiteral("程式組名稱 12"), 24)), QStringLiteral("程式組名稱 12"));
+        QCOMPARE(QStringList({tdBytesToText(QByteArray::fromHex("b57ba6a100bad9")), tdBytesToText(QByteArray::fromHex("4142b5")),
+                              tdBytesToText(QByteArray::fromHex("4142b500")), tdBytesToText(QByteArray(29, '\0')),
+                              tdBytesToText(tdTextToBytes(QStringLiteral("程式組名稱 12"), 24))}),
+                 QStringList({"程式", "AB", "AB", "", "程式組名稱 12"}));
     }
 
 private:

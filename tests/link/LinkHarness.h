@@ -5,7 +5,9 @@
 #include "ConsoleState.h"
 #include "FakeCommPort.h"
 #include "PcLinkReplies.h"
+#include <QFile>
 #include <QMap>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <memory>
 
@@ -30,6 +32,22 @@ struct LinkHarness {
     // Opens the port and lets the scan start.
     bool open() { return link->openLink(); }
 };
+
+// The lines of a service log after their time stamps; a line without its
+// stamp, or a last line without its line end, comes back marked.
+inline QByteArrayList unstamped(const QString &path)
+{
+    static const QRegularExpression stamp(QStringLiteral("^\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d,"));
+    QFile f(path);
+    const QByteArray bytes = f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    QByteArrayList out;
+    for (const QByteArray &line : bytes.split('\n'))
+        if (!line.isEmpty())
+            out << (stamp.match(QString::fromLatin1(line.left(20))).hasMatch() ? line.mid(20) : "unstamped " + line);
+    if (!bytes.isEmpty() && !bytes.endsWith('\n'))
+        out << "unterminated";
+    return out;
+}
 
 // A line of PC Link controllers for the fake port: answers WHO, RRP, RCV, RUP
 // and write acknowledges for the machines it holds; others stay silent.

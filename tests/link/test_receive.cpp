@@ -5,133 +5,93 @@
 class ReceiveTest : public QObject {
     Q_OBJECT
 
-    int scan(LinkHarness &h, const QByteArray &bytes)
+    static QByteArray badEtx(QByteArray frame, int at = 56)
     {
-        h.link->receiveBuffer().append(bytes);
-        return h.link->scan_reply();
+        frame[at] = 'E';
+        return frame;
     }
-    // Scans on a fresh link, the PC Link sum on when asked; `kept` gets the buffer left.
-    int scan(const QByteArray &bytes, bool sum = false, QByteArray *kept = nullptr, double firmware = 0)
+    static void row(const char *name, const QByteArrayList &pieces, const QList<int> &codes, const QByteArray &kept = {},
+                    bool sum = false, double firmware = 0)
     {
+        QTest::newRow(name) << pieces << codes << kept << sum << firmware;
+    }
+
+private slots:
+    // Pieces arriving one after another on a fresh link, the code of the scan
+    // after each, and the frame left in the buffer when one is given.
+    void scanCodes_data()
+    {
+        QTest::addColumn<QByteArrayList>("pieces");
+        QTest::addColumn<QList<int>>("codes");
+        QTest::addColumn<QByteArray>("kept");
+        QTest::addColumn<bool>("sum");
+        QTest::addColumn<double>("firmware");
+        const QByteArray rcv = rcvReply(1, {12500}), rrp = rrpReply(1, {}), wrp = pcReply(1, "WRP", "0012");
+        row("a short reply waits, nothing dropped", {"\x02" "001RCV,OK,"}, {10}, "\x02" "001RCV,OK,");
+        row("under 14 bytes of noise wait for the time-out", {QByteArray(13, 'x')}, {10});
+        row("more is noise alone", {QByteArray(20, 'x')}, {1});
+        row("noise before a frame is dropped", {"\xFFzz" + rcv}, {0}, rcv);
+        row("a split reply is one frame", {rcv.left(30), rcv.mid(30)}, {10, 0}, rcv);
+        row("of two frames the first is kept", {rrpReply(1, {1}) + rcv}, {0}, rrpReply(1, {1}));
+        row("no ,OK,: eleven bytes go", {"\x02" "001WRP,NO," + wrp}, {0}, wrp);
+        // Without the sum a bad ETX drops the frame and lets what follows decide.
+        row("a bad ETX alone", {badEtx(rcvReply(1, {}))}, {1});
+        row("a bad ETX, then a frame", {badEtx(rcvReply(1, {})) + rrp}, {0}, rrp);
+        QByteArray early = wrp;
+        early.replace(15, 3, "\x03\x0D\x0D");
+        row("the ETX one place early drops the whole length", {early + pcReply(1, "WRP", "0013")}, {0}, pcReply(1, "WRP", "0013"));
+        row("open-ended RSP does not hang", {"\x02" "001RSP,OK,xxxx" + rcvReply(1, {})}, {0});
+        row("an unknown command does not hang", {"\x02" "001XYZ,OK,xxxx"}, {1});
+        row("another machine number is taken", {rcvReply(42, {})}, {0});
+        // Lengths follow the index and, for the whole parameter block, the firmware.
+        row("one parameter row", {pcReply(1, "RUP", "0080," + word(2))}, {0});
+        for (const auto &[name, fw, words] : {std::tuple{"block of 2.31", 2.31, 512}, {"block of 2.09", 2.09, 492},
+                                              {"block of 1.81", 1.81, 456}, {"block of 1.5", 1.5, 392}}) {
+            const QByteArray block = rupReply(1, words);
+            row(name, {block.chopped(1), block.right(1)}, {10, 0}, block, false, fw);
+        }
+        row("one pattern word", {pcReply(1, "RPD", "0003,0005," + word(7))}, {0}, pcReply(1, "RPD", "0003,0005," + word(7)));
+        const QByteArray segment = pcReply(1, "RSD", "0003,0002,0000," + QByteArray(58, '\x01'));
+        row("a whole segment", {segment}, {0}, segment);
+        // With the sum.
+        const QByteArray good = rcvReply(1, {}, true);
+        QByteArray wrong = good;
+        wrong[wrong.size() - 1] = char(wrong[wrong.size() - 1] + 1);
+        row("sum: cut off a good frame", {good}, {0}, good.chopped(2), true);
+        row("sum: still coming", {good.left(60)}, {10}, {}, true);
+        row("sum: wrong", {wrong}, {100}, {}, true);
+        row("sum: a bad ETX throws the good frame behind it", {badEtx(good) + rrpReply(1, {}, true)}, {99}, {}, true);
+        row("sum: a bad ETX, then a short piece", {badEtx(good) + good.left(20)}, {109}, {}, true);
+        // A WHO answer behind a thrown frame is lost in sum mode like any other
+        // reply (a sum failure, asked again), and taken without the sum.
+        const QByteArray who = pcReply(1, "WHO", "QM730 TH F/W V2.31"), whoSum = pcReply(1, "WHO", "QM730 TH F/W V2.31", true);
+        row("sum: WHO behind a thrown frame", {badEtx(good) + whoSum}, {99}, {}, true);
+        row("sum: WHO", {whoSum}, {0}, {}, true);
+        row("WHO behind a thrown frame", {badEtx(rcvReply(1, {})) + who}, {0});
+    }
+    void scanCodes()
+    {
+        QFETCH(QByteArrayList, pieces);
+        QFETCH(QList<int>, codes);
+        QFETCH(QByteArray, kept);
+        QFETCH(bool, sum);
+        QFETCH(double, firmware);
         LinkHarness h;
         if (sum)
             h.state->CommProtocol = QStringLiteral("PC Link + crc");
         if (firmware > 0)
             h.state->image.applyFirmware(firmware);
-        const int code = scan(h, bytes);
-        if (kept)
-            *kept = h.link->receiveBuffer().bytes();
-        return code;
-    }
-    static QByteArray badEtx(QByteArray frame, int at)
-    {
-        frame[at] = 'E';
-        return frame;
-    }
-
-private slots:
-    void shortBuffersWait()
-    {
-        QByteArray kept;
-        QCOMPARE(scan("\x02" "001RCV,OK,", false, &kept), 10);
-        QCOMPARE(kept.size(), 11); // nothing dropped yet
-        QCOMPARE(scan(QByteArray(13, 'x')), 10); // under 14 bytes of noise: wait for the time-out
-        QCOMPARE(scan(QByteArray(20, 'x')), 1);  // more is noise alone
-    }
-
-    void noiseBeforeAFrameIsDropped()
-    {
-        LinkHarness h;
-        const QByteArray frame = rcvReply(1, {12500});
-        QCOMPARE(scan(h, "\xFF\x00zz\x02" "9x" + frame), 0);
-        QCOMPARE(h.link->receiveBuffer().bytes(), frame);
-        QCOMPARE(h.state->LastReplyCmd, QStringLiteral("RCV"));
-    }
-
-    void splitReplyIsOneFrame()
-    {
-        LinkHarness h;
-        const QByteArray frame = rcvReply(1, {12500});
-        QCOMPARE(scan(h, frame.left(30)), 10);
-        QCOMPARE(scan(h, frame.mid(30)), 0);
-        QCOMPARE(h.link->receiveBuffer().bytes(), frame);
-    }
-
-    void twoFramesKeepTheFirst()
-    {
-        LinkHarness h;
-        const QByteArray first = rrpReply(1, {1});
-        QCOMPARE(scan(h, first + rcvReply(1, {})), 0);
-        QCOMPARE(h.link->receiveBuffer().bytes(), first);
-        QCOMPARE(h.state->LastReplyCmd, QStringLiteral("RRP"));
-    }
-
-    void droppedFramesLeaveTheGoodOneBehind()
-    {
-        QByteArray kept;
-        // No ",OK,": eleven bytes go.
-        const QByteArray good = pcReply(1, "WRP", "0012");
-        QCOMPARE(scan("\x02" "001WRP,NO," + good, false, &kept), 0);
-        QCOMPARE(kept, good);
-        // Without the sum a bad ETX drops the frame and lets what follows decide.
-        const QByteArray bad = badEtx(rcvReply(1, {}), 56);
-        QCOMPARE(scan(bad), 1);
-        QCOMPARE(scan(bad + rrpReply(1, {}), false, &kept), 0);
-        QCOMPARE(kept, rrpReply(1, {}));
-        // The right length with the ETX one place early drops the whole length.
-        QByteArray early = pcReply(1, "WRP", "0012");
-        early.replace(15, 3, "\x03\x0D\x0D");
-        QCOMPARE(scan(early + pcReply(1, "WRP", "0013"), false, &kept), 0);
-        QCOMPARE(kept, pcReply(1, "WRP", "0013"));
-        // Unknown and open-ended commands do not hang.
-        QCOMPARE(scan("\x02" "001RSP,OK,xxxx" + rcvReply(1, {})), 0);
-        QCOMPARE(scan("\x02" "001XYZ,OK,xxxx"), 1);
-        // A reply from another machine number is taken.
-        QCOMPARE(scan(rcvReply(42, {})), 0);
-    }
-
-    void lengthsFollowTheIndexAndTheFirmware()
-    {
-        const QByteArray row = pcReply(1, "RUP", "0080," + word(2));
-        QCOMPARE(row.size(), 21);
-        QCOMPARE(scan(row), 0);
-        for (const auto &[fw, words] : {std::pair{2.31, 512}, {2.09, 492}, {1.81, 456}, {1.5, 392}}) {
-            const QByteArray block = rupReply(1, words);
-            QCOMPARE(block.size(), 2 * words + 19);
-            QCOMPARE(scan(block.left(block.size() - 1), false, nullptr, fw), 10);
-            QCOMPARE(scan(block, false, nullptr, fw), 0);
+        QList<int> got;
+        for (const QByteArray &piece : pieces) {
+            h.link->receiveBuffer().append(piece);
+            got << h.link->scan_reply();
         }
-        QByteArray kept;
-        QCOMPARE(scan(pcReply(1, "RPD", "0003,0005," + word(7)), false, &kept), 0);
-        QCOMPARE(kept.size(), 26);
-        QCOMPARE(scan(pcReply(1, "RSD", "0003,0002,0000," + QByteArray(58, '\x01')), false, &kept), 0);
-        QCOMPARE(kept.size(), 87);
-    }
-
-    void sumMode()
-    {
-        const QByteArray good = rcvReply(1, {}, true);
-        QByteArray kept;
-        QCOMPARE(scan(good, true, &kept), 0);
-        QCOMPARE(kept.size(), 59); // the sum is cut off
-        QCOMPARE(scan(good.left(60), true), 10); // the sum is still coming
-        QByteArray wrong = good;
-        wrong[wrong.size() - 1] = char(wrong[wrong.size() - 1] + 1);
-        QCOMPARE(scan(wrong, true), 100);
-        // A bad ETX throws away the good frame behind it, or waits for a short one.
-        QCOMPARE(scan(badEtx(good, 56) + rrpReply(1, {}, true), true), 99);
-        QCOMPARE(scan(badEtx(good, 56) + good.left(20), true), 109);
-    }
-
-    void whoBehindAThrownFrame()
-    {
-        // In sum mode a WHO answer behind a thrown frame is lost like any
-        // other reply (counted as a sum failure and asked again)...
-        const QByteArray who = pcReply(1, "WHO", "QM730 TH F/W V2.31", true);
-        QCOMPARE(scan(badEtx(rcvReply(1, {}, true), 56) + who, true), 99);
-        QCOMPARE(scan(who, true), 0);
-        // ... and taken without the sum, where what follows decides.
-        QCOMPARE(scan(badEtx(rcvReply(1, {}), 56) + pcReply(1, "WHO", "QM730 TH F/W V2.31")), 0);
+        QCOMPARE(got, codes);
+        const QByteArray left = h.link->receiveBuffer().bytes();
+        if (!kept.isEmpty())
+            QCOMPARE(left, kept);
+        if (codes.last() == 0) // a good frame names its command
+            QCOMPARE(h.state->LastReplyCmd, QString::fromLatin1(left.mid(4, 3)));
     }
 
     // Modbus RTU gives a pattern's name 24 bytes: a name cut inside a Big5

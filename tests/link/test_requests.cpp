@@ -73,6 +73,11 @@ class RequestsTest : public QObject {
         s->CurrentMachine = 1;
         s->CommProtocol = modbus ? QStringLiteral("Modbus RTU") : QStringLiteral("PC Link");
         s->image.applyFirmware(legacy ? 2.1 : 2.31);
+        for (int row = 290; row <= 293; ++row) // the password digits '1' to '4'
+            s->image.sprdUP.setNumber(1, row, 49 + row - 290);
+        const int clock[] = {26, 11, 23, 9, 30, 0};
+        for (int i = 0; i < 6; ++i)
+            s->image.sprdUP_DT.setNumber(1, 12 + i, clock[i]);
         return s;
     }
 
@@ -172,17 +177,11 @@ private slots:
             for (bool modbus : {false, true}) {
                 for (bool legacy : {false, true}) {
                     auto s = state(modbus, legacy);
-                    for (int row = 290; row <= 293; ++row) // the password digits '1' to '4'
-                        s->image.sprdUP.setNumber(1, row, 49 + row - 290);
-                    const int clock[] = {26, 11, 23, 9, 30, 0};
-                    for (int i = 0; i < 6; ++i)
-                        s->image.sprdUP_DT.setNumber(1, 12 + i, clock[i]);
                     c.post(s->requests());
                     const Mail &e = c.expected[modbus][legacy];
-                    const QString where = QStringLiteral("%1, %2, %3 layout")
-                                              .arg(QLatin1String(c.what), modbus ? "Modbus RTU" : "PC Link",
-                                                   legacy ? "legacy" : "current");
-                    QVERIFY2(s->ReqCmd == e.code && s->ReqIndex == e.index && mailWord(*s) == e.word,
+                    const QString where = QStringLiteral("%1, %2, %3 layout").arg(QLatin1String(c.what),
+                                              modbus ? "Modbus RTU" : "PC Link", legacy ? "legacy" : "current");
+                    QVERIFY2(QList<int>({s->ReqCmd, s->ReqIndex, mailWord(*s)}) == QList<int>({e.code, e.index, e.word}),
                              qPrintable(QStringLiteral("%1: got %2/%3/%4").arg(where).arg(s->ReqCmd).arg(s->ReqIndex)
                                             .arg(mailWord(*s))));
                     if (c.check)
@@ -220,7 +219,7 @@ private slots:
     {
         auto s = state(true, false);
         s->requests().writeParameter(Param::txtLPF1, 5);
-        s->requests().writeRunWord(Rrp::Run, 1);
+        s->requests().writeRunWord(Rrp::Run, 1); // (on the line: tests/link scheduler, mailboxOnALiveLine)
         QCOMPARE(QList<int>({s->ReqCmd, s->ReqIndex, mailWord(*s)}), QList<int>({101, 40001, 1}));
         QCOMPARE(s->image.sprdUP.text(1, 25), QStringLiteral("5")); // the image keeps the first edit
     }

@@ -131,20 +131,17 @@ private slots:
         QCOMPARE(eventTexts(7), (QStringList{"FIXRUNRUN Start.", "FIXRUNRUN End."}));
     }
 
-    void firstReadingIsSilentThenChangesAreWritten()
+    // The first reading writes nothing; then each changed bit is an event.
+    void bitEventsAfterASilentFirstReading()
     {
         statusStep(1, {{2, 12500}, {5, 500}, {7, 0xFF}, {9, 0xFF}, {12, 3}});
+        statusStep(0, {});
         QVERIFY(!QFileInfo::exists(eventFilePath(home, 7)));
         QVERIFY(!QFileInfo::exists(eventFilePath(home, 1))); // machine 7 sits in slot 1
 
         statusStep(1, {{2, 500}, {5, 1000}, {7, 0xFA}, {9, 0xEF}, {12, 1}});
         QCOMPARE(eventTexts(7), (QStringList{"Temp. B.Out OFF", "Humi. B.Out ON", "I/S 1 OFF", "I/S 3 OFF",
                                               "PTN Alarm 1 OFF", "D/I 2 OFF"}));
-    }
-
-    void bitEventsByRow()
-    {
-        statusStep(0, {});
         statusStep(0, {{7, 5}, {8, 0x80}, {9, 0x11}, {10, 0x100}, {11, 0x2}});
         QCOMPARE(eventTexts(1), (QStringList{"I/S 1 ON", "I/S 3 ON", "T/S 8 ON", "SYS Alarm 1 ON", "PTN Alarm 1 ON",
                                              "O/C 2 ON"}));
@@ -171,20 +168,28 @@ private slots:
         QCOMPARE(state->image.sprdRCV.text(1, 12), QString("0"));
     }
 
+    // Each clause switched on queues a row; the alarm names differ from the file's.
     void changesQueueOneRowPerClause()
     {
-        mailOn({0, 2, 8});
+        mailOn({0, 2, 4, 5, 8});
         statusStep(1, {});
+        statusStep(0, {});
         statusStep(1, {{12, 0x3}, {7, 0x1000}});
         QCOMPARE(queuedBodies(), (QStringList{prefix(7) + "H.ON  ON", prefix(7) + "D/I 1 ON",
                                                prefix(7) + "D/I 1 OND/I 2 ON"}));
         QCOMPARE(launches.size(), 1);
         QCOMPARE(launches[0], (QStringList{"/opt/qm/qm730-mail", "--home", home, home}));
+
+        statusStep(0, {{9, 0x12}});
+        QCOMPARE(eventTexts(1), (QStringList{"PTN Alarm 1 ON", "SYS Alarm 2 ON"}));
+        QCOMPARE(queuedBodies().mid(3),
+                 (QStringList{prefix(1) + "Pattern Alarm 2 ON", prefix(1) + "Pattern Alarm 2 ONSystem Alarm 1 ON"}));
     }
 
+    // Clauses switched off queue nothing; the first reading mails bits already on.
     void switchedOffItemsQueueNothing()
     {
-        mailOn({2, 8});
+        mailOn({2, 6, 8, 9});
         statusStep(0, {});
         statusStep(0, {{7, 0x21}, {9, 0x31}});
         QVERIFY(queuedBodies().isEmpty());
@@ -196,24 +201,11 @@ private slots:
         QCOMPARE(queuedBodies().size(), 3);
         QCOMPARE(queuedBodies().last(), prefix(1) + "I/S 1 OFFH.ON  OFF");
         QCOMPARE(launches.size(), 2);
-    }
 
-    void firstReadingMailsBitsAlreadyOn()
-    {
-        mailOn({6, 9});
-        statusStep(0, {{10, 0x100}, {2, 65535}});
-        QCOMPARE(queuedBodies(), (QStringList{prefix(1) + "Temp B.Out  ON", prefix(1) + "RELAY OUTPUT 9 ON"}));
-        QVERIFY(!QFileInfo::exists(eventFilePath(home, 1)));
-        QCOMPARE(launches.size(), 1);
-    }
-
-    void alarmNamesDifferBetweenFileAndMail()
-    {
-        mailOn({4, 5});
-        statusStep(0, {});
-        statusStep(0, {{9, 0x12}});
-        QCOMPARE(eventTexts(1), (QStringList{"PTN Alarm 1 ON", "SYS Alarm 2 ON"}));
-        QCOMPARE(queuedBodies(), (QStringList{prefix(1) + "Pattern Alarm 2 ON", prefix(1) + "Pattern Alarm 2 ONSystem Alarm 1 ON"}));
+        statusStep(1, {{10, 0x100}, {2, 65535}});
+        QCOMPARE(queuedBodies().mid(3), (QStringList{prefix(7) + "Temp B.Out  ON", prefix(7) + "RELAY OUTPUT 9 ON"}));
+        QVERIFY(!QFileInfo::exists(eventFilePath(home, 7)));
+        QCOMPARE(launches.size(), 3);
     }
 
     void senderFailureStopsTheStartButNotTheQueue()

@@ -114,12 +114,12 @@ class SimCase(unittest.TestCase):
             block[row - 1] = self.sim.word(f"{machine} up {row}")
         return block
 
-    def ask(self, frame, length=None, crc=False, timeout=3.0):
+    def ask(self, frame, length=None, timeout=3.0):
         """Sends a frame on a clean line; the reply, `length` bytes or up to its ETX CR LF."""
         self.port.reset_input_buffer()
         self.port.write(frame)
         if length is None:
-            return read_reply(self.port, crc=crc, timeout=timeout)
+            return read_reply(self.port, timeout=timeout)
         reply = read_exact(self.port, length, timeout=timeout)
         self.assertEqual(len(reply), length, reply[:40])
         return reply
@@ -180,14 +180,11 @@ def read_exact(port, n, timeout=3.0):
     return data
 
 
-def read_reply(port, crc=False, timeout=3.0):
-    """Bytes up to and including the first ETX CR LF (and the sum behind it)."""
+def read_reply(port, timeout=3.0):
+    """Bytes up to and including the first ETX CR LF."""
     data = b""
     deadline = time.monotonic() + timeout
-    while time.monotonic() < deadline:
-        end = data.find(ETX_CR_LF)
-        if end >= 0 and len(data) >= end + 3 + (2 if crc else 0):
-            return data[: end + 3 + (2 if crc else 0)]
+    while not data.endswith(ETX_CR_LF) and time.monotonic() < deadline:
         data += port.read(1)
     return data
 

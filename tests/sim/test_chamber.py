@@ -126,7 +126,9 @@ class Chamber(unittest.TestCase):
     def test_clock_and_reserved_start(self):
         self.reserve_in_two_minutes()
         self.assertEqual([self.rrp(14), self.rrp(1)], [1, 0])
-        self.sim.ok("tick 200")
+        self.sim.ok("set 1 up 23 0")  # the enable row cleared: no reservation
+        self.assertEqual(self.rrp(14), 0)
+        self.sim.ok("set 1 up 23 1", "tick 200")
         self.assertEqual([self.rrp(1), self.rrp(14), self.sim.word("1 up 23")], [1, 0, 0])
 
         self.sim.ok(*[f"set 1 up {r} {v}" for r, v in zip(range(12, 18), (2031, 2, 3, 4, 5, 6))], "tick 10")

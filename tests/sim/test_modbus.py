@@ -24,10 +24,6 @@ def crc16(data):
 class Registers(ModbusCase):
     options = ("--protocol", "Modbus RTU", "--machines", "1,5:2.09", "--seed", "0", "--speed", "0", "--no-pace")
 
-    def test_identity_gives_the_firmware(self):
-        self.assertEqual(self.read(30001, 2)[1], 0x021F)
-        self.assertEqual(self.read(30001, 2, slave=5)[1], 0x0209)
-
     def test_run_parameters_and_live_status(self):
         self.assertEqual(self.read(40001, 17), [self.sim.word(f"1 rrp {r}") for r in range(1, 18)])
         self.write(40012, [temp_word(55.5)])
@@ -41,64 +37,22 @@ class Registers(ModbusCase):
         self.assertEqual(status[8], 17)
         self.assertEqual(status[1], temp_word(25.0))  # no noise: the stopped chamber stands at 25.00
 
-    def test_clock_and_reserved_start_as_one_block_each(self):
-        self.write(40112, [2030, 12, 31, 23, 59, 58])
-        self.assertEqual(self.read(40112, 6), [2030, 12, 31, 23, 59, 58])
-        self.write(40118, [2031, 1, 1, 0, 5, 1])
-        self.assertEqual(self.sim.word("1 rrp 14"), 1)  # a reserved start waits
-        self.write(40123, [0])
-        self.assertEqual(self.sim.word("1 rrp 14"), 0)
-
-    def test_curve_blocks_and_plain_row_registers(self):
-        # The current layout's curve block: 14 rows from 40132 (offsets and points).
-        curve = [10000, 10000] + [2000 + 10 * v for v in (-100, -40, 20, 80, 140, 200)] * 2
-        self.write(40132, curve)
-        self.assertEqual([self.sim.word(f"1 up {row}") for row in range(32, 46)], curve)
-        # Fields written as the plain row in every protocol.
+    def test_rows_by_their_plain_number(self):
+        # Fields written as the plain row in every protocol: the same row as in the block's map.
         self.write(73, [9])
-        self.assertEqual(self.sim.word("1 up 73"), 9)
-        self.assertEqual(self.read(40173, 1), [9])
-        # The legacy layout: rows by their plain number, a block as a curve write sends it.
-        points = [2000 + 10 * v for v in (0, 20, 40, 60, 80, 100)] * 2
-        self.write(469, points, slave=5)
-        self.assertEqual([self.sim.word(f"5 up {row}") for row in range(469, 481)], points)
-        self.write(47, [10150], slave=5)
-        self.assertEqual(self.read(47, 1, slave=5), [10150])
-        self.assertEqual(self.read(40147, 1, slave=5), [10150])
-        # Past the legacy block's 492 rows there is no plain row.
-        self.assertEqual(self.client.write_registers(493, [1], slave=5).exception_code, 2)
-
-    def test_the_rows_the_parameter_pages_write(self):
-        # A password is four rows of digit codes written as one block.
-        self.write(40390, [ord(c) for c in "0417"])
-        self.assertEqual([self.sim.word(f"1 up {r}") for r in range(290, 294)], [48, 52, 49, 55])
-        self.assertEqual(self.read(40390, 4), [48, 52, 49, 55])
-        # The start and program locks behind the block.
-        self.write(40701, [1])
-        self.assertEqual(self.sim.word("1 upplus 89"), 1)
-        self.write(40701, [0])
-
-    def test_a_legacy_controller_takes_its_rows_by_number(self):
-        # Below firmware 2.2 the pages address a row by its plain number in every protocol.
+        self.assertEqual([self.sim.word("1 up 73")] + self.read(40173, 1), [9, 9])
+        # Below firmware 2.2 the pages address every row by its plain number.
         self.write(87, [0], slave=5)  # system alarm enable
         self.assertEqual(self.sim.word("5 up 87"), 0)
         self.write(161, [0x0805], slave=5)  # D/I line 1: action 8, wait 5
-        self.assertEqual(self.read(161, 1, slave=5), [0x0805])
-        self.assertEqual(self.read(40261, 1, slave=5), [0x0805])  # the same row in the block's map
-        self.assertEqual(self.client.read_holding_registers(493, 1, slave=5).exception_code, 2)  # past its 492 rows
+        self.assertEqual(self.read(161, 1, slave=5) + self.read(40261, 1, slave=5), [0x0805, 0x0805])
+        # Past the legacy block's 492 rows there is no plain row.
+        self.assertEqual(self.client.read_holding_registers(493, 1, slave=5).exception_code, 2)
+        self.assertEqual(self.client.write_registers(493, [1], slave=5).exception_code, 2)
         self.write(87, [1], slave=5)
 
-    def test_generated_programs_follow_the_firmwares_pattern_count(self):
-        self.sim.ok("programs 5 300 1")
-        # Register numbers are 16 bits: pattern 191 is the last one whose 81 registers fit.
-        p191 = 50001 + 81 * 190
-        self.assertEqual(self.read(p191, 81, slave=5)[0], 1)
-        name = b"".join(w.to_bytes(2, "big") for w in self.read(44001 + 12 * 299, 12, slave=5))
-        self.assertEqual(name.rstrip(b"\0").decode("big5"), "程式300")
-        self.assertEqual(self.client.read_holding_registers(50001 + 81 * 100, 81, slave=1).exception_code, 2)  # 100 patterns
-        self.assertEqual(self.sim.word("5 pd 300 1"), 1)
-
     def test_exception_replies(self):
+        self.assertEqual(self.client.read_holding_registers(50001 + 81 * 100, 81, slave=1).exception_code, 2)  # 100 patterns
         self.assertEqual(self.client.read_holding_registers(39999, 2, slave=1).exception_code, 2)
         self.assertEqual(self.client.read_holding_registers(40016, 3, slave=1).exception_code, 2)
         self.assertEqual(self.client.write_registers(30101, [1], slave=1).exception_code, 2)
