@@ -49,7 +49,8 @@ private slots:
         {
             ModalDriver d;
             d.then([&](QWidget *w) {
-                QTest::qWaitFor([&] { return loadedPatterns(img) >= 5; }, 30000);
+                if (!QTest::qWaitFor([&] { return loadedPatterns(img) >= 5; }, 30000))
+                    QTest::qFail("fewer than five patterns arrived", __FILE__, __LINE__);
                 w->findChild<QPushButton *>(QStringLiteral("btnStop"))->click();
             });
             frmQM730Prg_PTN editor(m_line.core->context());
@@ -71,7 +72,12 @@ private slots:
         QVERIFY(m_line.ok(QStringLiteral("log clear")));
 
         ModalDriver d;
-        d.then([](QWidget *w) { QTest::qWaitFor([w] { return !w->isVisible(); }, 30000); }); // the wait screen ends by itself
+        d.then([](QWidget *w) { // the wait screen ends by itself
+            if (!QTest::qWaitFor([w] { return !w->isVisible(); }, 30000)) {
+                QTest::qFail("the wait screen stayed open", __FILE__, __LINE__);
+                w->close();
+            }
+        });
         frmQM730Prg_PTN editor(m_line.core->context());
         editor.show();
         QCOMPARE(d.met, QStringList({"frmQM730_PTN_Recv"}));
