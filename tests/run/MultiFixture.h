@@ -41,6 +41,13 @@ struct MultiBench {
     void rrp(int slot, int row, qint64 v) { state.image.sprdRRP.setNumber(slot + 1, row, v); }
     void rcv(int slot, int row, qint64 v) { state.image.sprdRCV.setNumber(slot + 1, row, v); }
     void setOnline(int slot, bool on) { state.machines[slot].MachineOnline = on; }
+    // One machine falls silent while new readings of 130.00 arrive for the first two slots.
+    void silenceWhileReadingsMove(int slot)
+    {
+        setOnline(slot, false);
+        rcv(0, Rcv::TempPV, 13000);
+        rcv(1, Rcv::TempPV, 13000);
+    }
 
     Screen &open()
     {

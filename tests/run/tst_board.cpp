@@ -53,9 +53,7 @@ private slots:
         QVERIFY(b.view("sprdList")->selectionModel()->selectedIndexes().isEmpty());
 
         // Machine 3 falls silent: "不良" on red, its figures kept; the others go on.
-        b.setOnline(0, false);
-        b.rcv(0, Rcv::TempPV, 13000);
-        b.rcv(1, Rcv::TempPV, 13000);
+        b.silenceWhileReadingsMove(0);
         form.tmrRefresh_Timer();
         QCOMPARE(b.text(2, B::ColLink), QStringLiteral("不良"));
         QCOMPARE(b.cell(2, B::ColLink).back, QColor(255, 0, 0));

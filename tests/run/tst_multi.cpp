@@ -86,9 +86,7 @@ private slots:
         QCOMPARE(b.text(2, C::ColLink), QStringLiteral("良好"));
         QCOMPARE(b.cell(2, C::ColLink).back, QColor(0, 255, 0));
 
-        b.setOnline(1, false);
-        b.rcv(1, Rcv::TempPV, 13000);
-        b.rcv(0, Rcv::TempPV, 13000);
+        b.silenceWhileReadingsMove(1);
         form.Timer1_Timer();
         QCOMPARE(b.text(2, C::ColLink), QStringLiteral("不良"));
         QCOMPARE(b.cell(2, C::ColLink).back, QColor(255, 0, 0));
